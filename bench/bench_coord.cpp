@@ -12,6 +12,13 @@ namespace {
 const double Longitude = 11.420833;
 const double Latitude = 48.1967;
 
+void everyFormat(benchmark::internal::Benchmark *benchmark)
+{
+    for (CoordFormat format :
+        { CoordDecimal, CoordGeoLong, CoordGeoShort, CoordUtm, CoordMgrs, CoordQth })
+        benchmark->Arg(format);
+}
+
 void BM_BaselineWriteTwoNumbers(benchmark::State &state)
 {
     for (auto _ : state) {
@@ -42,13 +49,7 @@ void BM_GetString(benchmark::State &state)
         benchmark::DoNotOptimize(text);
     }
 }
-BENCHMARK(BM_GetString)
-    ->Arg(CoordDecimal)
-    ->Arg(CoordGeoLong)
-    ->Arg(CoordGeoShort)
-    ->Arg(CoordUtm)
-    ->Arg(CoordMgrs)
-    ->Arg(CoordQth);
+BENCHMARK(BM_GetString)->Apply(everyFormat);
 
 void BM_SetString(benchmark::State &state)
 {
@@ -60,13 +61,7 @@ void BM_SetString(benchmark::State &state)
         benchmark::DoNotOptimize(coord.latitude);
     }
 }
-BENCHMARK(BM_SetString)
-    ->Arg(CoordDecimal)
-    ->Arg(CoordGeoLong)
-    ->Arg(CoordGeoShort)
-    ->Arg(CoordUtm)
-    ->Arg(CoordMgrs)
-    ->Arg(CoordQth);
+BENCHMARK(BM_SetString)->Apply(everyFormat);
 
 // validString compiles its mask on every call, as an entry field checks each keystroke.
 void BM_ValidString(benchmark::State &state)
