@@ -53,7 +53,6 @@ void tst_Units::formatTable()
     QCOMPARE(Position::formatName(format), name);
     QCOMPARE(int(Position::formatToCoordFormat(format)), coordFormat);
     QCOMPARE(Position::coordFormatToFormat(CoordFormat(coordFormat)), format);
-    QVERIFY(Position::formats().contains(format));
 }
 
 void tst_Units::unknownFormatValues()
@@ -227,7 +226,6 @@ void tst_Units::durationToString_data()
     QTest::newRow("fraction dropped") << 90500u << "00:01:30s";
     QTest::newRow("last second of a day") << 86399999u << "23:59:59s";
     QTest::newRow("a day wraps") << 86400000u << "00:00:00s";
-    QTest::newRow("25 hours") << 90000000u << "01:00:00s";
 }
 
 void tst_Units::durationToString()
