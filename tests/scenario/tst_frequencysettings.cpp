@@ -1,0 +1,471 @@
+#include <radiosim/platform/msrand.h>
+#include <radiosim/scenario/frequencysettings.h>
+
+#include <QtTest>
+
+#include <functional>
+#include <future>
+#include <memory>
+#include <optional>
+#include <thread>
+
+using namespace Simulation;
+
+using Settings = std::shared_ptr<IFrequencySettings>;
+Q_DECLARE_METATYPE(Settings)
+Q_DECLARE_METATYPE(EndBehaviourType)
+
+namespace {
+
+// "begin+length@frequency;..." so that one QCOMPARE checks a whole list.
+QString flatten(const QList<HRActivity> &records)
+{
+    QStringList parts;
+    for (const HRActivity &r : records)
+        parts
+            << QStringLiteral("%1+%2@%3").arg(r.start).arg(r.duration).arg(r.frequency, 0, 'f', 0);
+    return parts.join(QLatin1Char(';'));
+}
+
+QString flatten(const QList<FrequencyStep> &steps)
+{
+    QStringList parts;
+    for (const FrequencyStep &s : steps)
+        parts << QStringLiteral("%1/%2").arg(s.frequency, 0, 'f', 0).arg(s.duration);
+    return parts.join(QLatin1Char(';'));
+}
+
+using Outcome = std::pair<QList<HRActivity>, double>;
+
+// Runs a call that used to loop forever on a worker, so that a regression fails here
+// quickly instead of stalling the suite; a stuck worker dies with the process.
+std::optional<Outcome> runWithinTime(std::function<Outcome()> call)
+{
+    auto task = std::make_shared<std::packaged_task<Outcome()>>(std::move(call));
+    std::future<Outcome> outcome = task->get_future();
+    std::thread([task] { (*task)(); }).detach();
+    if (outcome.wait_for(std::chrono::seconds(10)) != std::future_status::ready)
+        return std::nullopt;
+    return outcome.get();
+}
+
+Settings chirp(double start, double stop, uint duration = 1000, float offset = 0.0f)
+{
+    auto c = std::make_shared<FrequencySettings_Chirp>();
+    c->setStartFrequency(start);
+    c->setStopFrequency(stop);
+    c->setDuration(duration);
+    c->setTimeslotOffset(offset);
+    return c;
+}
+
+Settings fastHopper(
+    double min, double max, uint count, uint set, uint rate = 1000, float offset = 0.0f)
+{
+    auto h = std::make_shared<FrequencySettings_FastHopper>();
+    h->setMinimumFrequency(min);
+    h->setMaximumFrequency(max);
+    h->setHoppCount(count);
+    h->setHoppSet(set);
+    h->setHoppRate(rate);
+    h->setTimeslotOffset(offset);
+    return h;
+}
+
+// Two steps of 100 ms: 1 MHz, then 2 MHz.
+std::shared_ptr<FrequencySettings_SlowHopper> slowHopper(EndBehaviourType end = EndRestart)
+{
+    auto h = std::make_shared<FrequencySettings_SlowHopper>();
+    h->setFrequencySteps({ { 1e6, 100 }, { 2e6, 100 } });
+    h->setEndBehavior(end);
+    return h;
+}
+
+} // namespace
+
+class tst_FrequencySettings : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void frequencyAt_data();
+    void frequencyAt();
+    void activities_data();
+    void activities();
+    void faultyInputGivesNeutralResults_data();
+    void faultyInputGivesNeutralResults();
+    void chirpRange();
+    void fastHopperChannelList_data();
+    void fastHopperChannelList();
+    void fastHopperRebuildsExactlyWhenShapeChanges_data();
+    void fastHopperRebuildsExactlyWhenShapeChanges();
+    void newObjectsDrawTheirPhaseFromTheGenerator();
+    void slowHopperTableEditing_data();
+    void slowHopperTableEditing();
+    void slowHopperEnd_data();
+    void slowHopperEnd();
+    void slowHopperLengthStaysStaleAfterInsertAndRemove();
+    void equalAndClone_data();
+    void equalAndClone();
+};
+
+void tst_FrequencySettings::frequencyAt_data()
+{
+    QTest::addColumn<Settings>("settings");
+    QTest::addColumn<uint>("time");
+    QTest::addColumn<double>("expected");
+    const auto c = chirp(24e6, 26e6);
+    QTest::newRow("chirp mid sweep") << c << 500u << 25000000.0;
+    QTest::newRow("chirp jumps back") << c << 1000u << 24000000.0;
+    QTest::newRow("chirp float phase") << c << 999u << 25998000.03;
+    QTest::newRow("chirp falling") << chirp(26e6, 24e6) << 250u << 25500000.0;
+    QTest::newRow("chirp offset restarts sweep") << chirp(24e6, 26e6, 1000, 0.5f) << 500u << 24e6;
+    // (2^32 - 500) % 1000 = 796
+    QTest::newRow("chirp below offset wraps") << chirp(24e6, 26e6, 1000, 0.5f) << 0u << 25592000.0;
+    // 16777217 is not a float: it reads as 16777216, phase 216 instead of 217.
+    QTest::newRow("chirp time through float") << c << 16777217u << 24432000.0;
+    const auto h = fastHopper(1000, 2000, 10, 7, 100);
+    QTest::newRow("hopper second hop") << h << 25u << 1300.0;
+    QTest::newRow("hopper repeats after count") << h << 1030u << 1700.0;
+    // -5 wraps to 4294967291, which float makes 2^32; / 10 rounds to 429496736, entry 6.
+    QTest::newRow("hopper below offset wraps")
+        << fastHopper(1000, 2000, 10, 7, 100, 0.5f) << 0u << 1400.0;
+    const auto restart = slowHopper(EndRestart);
+    QTest::newRow("slow restart") << Settings(restart) << 250u << 1e6;
+    QTest::newRow("slow restart at total") << Settings(restart) << 200u << 1e6;
+    QTest::newRow("slow last ms") << Settings(restart) << 199u << 2e6;
+    QTest::newRow("slow stop") << Settings(slowHopper(EndStop)) << 250u << 2e6;
+    QTest::newRow("slow inactive") << Settings(slowHopper(EndInactive)) << 200u << 2e6;
+}
+
+void tst_FrequencySettings::frequencyAt()
+{
+    QFETCH(Settings, settings);
+    QFETCH(uint, time);
+    QFETCH(double, expected);
+    const double actual = settings->getFrequencyAt(time);
+    QVERIFY2(qAbs(actual - expected) < 0.02, qPrintable(QString::number(actual, 'f', 4)));
+}
+
+void tst_FrequencySettings::activities_data()
+{
+    QTest::addColumn<Settings>("settings");
+    QTest::addColumn<uint>("start");
+    QTest::addColumn<uint>("length");
+    QTest::addColumn<double>("resolution");
+    QTest::addColumn<QString>("expected");
+    const auto c = chirp(24e6, 26e6);
+    QTest::newRow("chirp step 1") << c << 100u << 3u << 2000.0
+                                  << "100+1@24200000;101+1@24202000;102+1@24204000";
+    QTest::newRow("chirp last step passes end")
+        << c << 100u << 4u << 4500.0 << "100+3@24200000;103+3@24206000";
+    QTest::newRow("chirp empty window") << c << 100u << 0u << 1000.0 << "";
+    // Channels 0, 2, 1, 3; 10 ms hops.
+    QTest::newRow("hopper zero head")
+        << fastHopper(0, 4, 4, 0, 100) << 0u << 25u << 0.0 << "0+0@0;0+10@0;10+10@2;20+5@1";
+    QTest::newRow("hopper offset head")
+        << fastHopper(0, 4, 4, 0, 100, 0.5f) << 100u << 20u << 0.0 << "100+5@2;105+10@1;115+5@3";
+    QTest::newRow("hopper slot behind end wraps") << fastHopper(0, 4, 4, 0, 100,
+        0.5f) << 100u << 12u << 0.0 << "100+5@2;105+7@1;115+4294967293@0";
+    // Pieces of 4 ms, channels chosen on the exact 3.33 ms grid.
+    QTest::newRow("hopper rounded hop")
+        << fastHopper(0, 4, 4, 0, 300) << 0u << 10u << 0.0 << "0+0@0;0+4@0;4+4@2;8+2@1";
+    const auto restart = Settings(slowHopper(EndRestart));
+    QTest::newRow("slow restart") << restart << 150u << 100u << 0.0
+                                  << "150+50@2000000;200+50@1000000";
+    QTest::newRow("slow restart repeats") << restart << 0u << 450u << 0.0
+                                          << "0+100@1000000;100+100@2000000;200+100@1000000;"
+                                             "300+100@2000000;400+50@1000000";
+    QTest::newRow("slow restart empty") << restart << 0u << 0u << 0.0 << "";
+    const auto stop = Settings(slowHopper(EndStop));
+    QTest::newRow("slow stop stretches") << stop << 150u << 100u << 0.0 << "150+100@2000000";
+    QTest::newRow("slow stop after end") << stop << 300u << 10u << 0.0 << "300+10@2000000";
+    QTest::newRow("slow stop at total restarts") << stop << 200u << 50u << 0.0 << "200+50@1000000";
+    const auto inactive = Settings(slowHopper(EndInactive));
+    QTest::newRow("slow inactive stretches")
+        << inactive << 150u << 100u << 0.0 << "150+100@2000000";
+    QTest::newRow("slow inactive after end") << inactive << 300u << 10u << 0.0 << "";
+}
+
+void tst_FrequencySettings::activities()
+{
+    QFETCH(Settings, settings);
+    QFETCH(uint, start);
+    QFETCH(uint, length);
+    QFETCH(double, resolution);
+    QFETCH(QString, expected);
+    QCOMPARE(flatten(settings->calculateHRActivities(start, length, resolution)), expected);
+}
+
+void tst_FrequencySettings::faultyInputGivesNeutralResults_data()
+{
+    QTest::addColumn<Settings>("settings");
+    QTest::addColumn<double>("resolution");
+    QTest::addColumn<double>("frequency");
+    QTest::newRow("chirp resolution 0") << chirp(24e6, 26e6) << 0.0 << 24e6;
+    QTest::newRow("chirp resolution NaN") << chirp(24e6, 26e6) << qQNaN() << 24e6;
+    QTest::newRow("chirp equal frequencies") << chirp(25e6, 25e6) << 1000.0 << 25e6;
+    QTest::newRow("chirp duration 0") << chirp(24e6, 26e6, 0) << 1000.0 << 0.0;
+    QTest::newRow("hopper count 0") << fastHopper(0, 4, 0, 0) << 0.0 << 0.0;
+    QTest::newRow("hopper rate 0") << fastHopper(0, 4, 4, 0, 0) << 0.0 << 0.0;
+    auto empty = std::make_shared<FrequencySettings_SlowHopper>();
+    empty->setFrequencySteps({});
+    QTest::newRow("slow empty table") << Settings(empty) << 0.0 << 0.0;
+    auto zero = std::make_shared<FrequencySettings_SlowHopper>();
+    zero->setFrequencySteps({ { 1e6, 0 }, { 2e6, 0 } });
+    QTest::newRow("slow zero length") << Settings(zero) << 0.0 << 2e6;
+    // The cached length of 100 outlives the only step that had a duration.
+    auto stale = std::make_shared<FrequencySettings_SlowHopper>();
+    stale->setFrequencySteps({ { 1e6, 0 }, { 2e6, 100 } });
+    stale->setEndBehavior(EndInactive);
+    stale->activeUntil();
+    stale->setEndBehavior(EndRestart);
+    stale->removeStep(1);
+    QTest::newRow("slow stale length over zero table") << Settings(stale) << 0.0 << 1e6;
+}
+
+void tst_FrequencySettings::faultyInputGivesNeutralResults()
+{
+    QFETCH(Settings, settings);
+    QFETCH(double, resolution);
+    QFETCH(double, frequency);
+    const auto outcome = runWithinTime([settings, resolution] {
+        return Outcome { settings->calculateHRActivities(0, 50, resolution),
+            settings->getFrequencyAt(0) };
+    });
+    QVERIFY2(outcome, "did not return");
+    QCOMPARE(outcome->first.size(), 0);
+    QCOMPARE(outcome->second, frequency);
+}
+
+void tst_FrequencySettings::chirpRange()
+{
+    FrequencySettings_Chirp falling;
+    falling.setStartFrequency(26e6);
+    falling.setStopFrequency(24e6);
+    QCOMPARE(falling.getMinimumFrequency(), 24e6);
+    QCOMPARE(falling.getMaximumFrequency(), 26e6);
+    FrequencySettings_Chirp c;
+    c.setCenterFrequency(100e6);
+    QCOMPARE(c.getStartFrequency(), 99e6);
+    QCOMPARE(c.getStopFrequency(), 101e6);
+}
+
+void tst_FrequencySettings::fastHopperChannelList_data()
+{
+    QTest::addColumn<double>("minimum");
+    QTest::addColumn<double>("maximum");
+    QTest::addColumn<uint>("count");
+    QTest::addColumn<uint>("set");
+    QTest::addColumn<QVector<double>>("head");
+    QTest::newRow("four channels") << 0.0 << 4.0 << 4u << 0u << QVector<double> { 0, 2, 1, 3 };
+    QTest::newRow("ten channels, set 7")
+        << 1000.0 << 2000.0 << 10u << 7u
+        << QVector<double> { 1000, 1500, 1300, 1700, 1100, 1200, 1400, 1900, 1600, 1800 };
+    QTest::newRow("thousand channels")
+        << 44500000.0 << 46500000.0 << 1000u << 0u
+        << QVector<double> { 46342000, 46108000, 46332000, 44646000 };
+    QTest::newRow("one channel") << 5.0 << 6.0 << 1u << 3u << QVector<double> { 5 };
+}
+
+void tst_FrequencySettings::fastHopperChannelList()
+{
+    QFETCH(double, minimum);
+    QFETCH(double, maximum);
+    QFETCH(uint, count);
+    QFETCH(uint, set);
+    QFETCH(QVector<double>, head);
+    // At 1000 hops per second and no offset, ms t reads channel t.
+    const auto h = fastHopper(minimum, maximum, count, set);
+    QVector<double> actual;
+    for (int i = 0; i < head.size(); ++i)
+        actual << h->getFrequencyAt(uint(i));
+    QCOMPARE(actual, head);
+}
+
+void tst_FrequencySettings::fastHopperRebuildsExactlyWhenShapeChanges_data()
+{
+    QTest::addColumn<int>("change");
+    QTest::addColumn<bool>("rebuilds");
+    QTest::newRow("same set") << 0 << true;
+    QTest::newRow("same count") << 1 << true;
+    QTest::newRow("same rate") << 2 << true;
+    QTest::newRow("centre") << 3 << true;
+    QTest::newRow("offset") << 4 << false;
+}
+
+void tst_FrequencySettings::fastHopperRebuildsExactlyWhenShapeChanges()
+{
+    QFETCH(int, change);
+    QFETCH(bool, rebuilds);
+    FrequencySettings_FastHopper h;
+    h.setMinimumFrequency(1000);
+    h.setMaximumFrequency(2000);
+    h.setHoppCount(10);
+    h.setHoppSet(7);
+    h.setHoppRate(1000);
+    h.setTimeslotOffset(0);
+    const double before = h.getFrequencyAt(3);
+    switch (change) {
+    case 0:
+        h.setHoppSet(7);
+        break;
+    case 1:
+        h.setHoppCount(10);
+        break;
+    case 2:
+        h.setHoppRate(1000);
+        break;
+    case 3:
+        h.setCenterFrequency(1500);
+        break;
+    default:
+        h.setTimeslotOffset(0);
+        break;
+    }
+    // A rebuild reseeds with 7 and draws 80 times; after that the next value is 97 % 100.
+    MsRuntime::srand(1);
+    QCOMPARE(h.getFrequencyAt(3), before);
+    QCOMPARE(MsRuntime::rand() % 100, rebuilds ? 97 : 41);
+}
+
+void tst_FrequencySettings::newObjectsDrawTheirPhaseFromTheGenerator()
+{
+    MsRuntime::srand(7);
+    QCOMPARE(FrequencySettings_Chirp().getTimeslotOffset(), 0.61f);
+    MsRuntime::srand(1);
+    QCOMPARE(FrequencySettings_FastHopper().getTimeslotOffset(), 0.41f);
+    // Building four channels from set 0 takes 32 values; the 33rd is 840.
+    fastHopper(0, 4, 4, 0)->getFrequencyAt(0);
+    QCOMPARE(FrequencySettings_Chirp().getTimeslotOffset(), 0.40f);
+}
+
+void tst_FrequencySettings::slowHopperTableEditing_data()
+{
+    QTest::addColumn<int>("operation");
+    QTest::addColumn<int>("row");
+    QTest::addColumn<uint>("value");
+    QTest::addColumn<QString>("expected");
+    QTest::newRow("remove first") << 0 << 0 << 0u << "1000000/100;2000000/100";
+    QTest::newRow("remove second") << 0 << 1 << 0u << "1000000/100";
+    QTest::newRow("insert behind first") << 1 << 0 << 0u << "1000000/100;1000000/100;2000000/100";
+    QTest::newRow("append last") << 1 << -1 << 0u << "1000000/100;2000000/100;2000000/100";
+    QTest::newRow("insert out of range") << 1 << 2 << 0u << "1000000/100;2000000/100";
+    QTest::newRow("start earlier") << 2 << 1 << 50u << "1000000/50;2000000/100";
+    QTest::newRow("start later") << 2 << 1 << 180u << "1000000/180;2000000/100";
+    QTest::newRow("start at previous ignored") << 2 << 1 << 0u << "1000000/100;2000000/100";
+    QTest::newRow("start of first ignored") << 2 << 0 << 50u << "1000000/100;2000000/100";
+    QTest::newRow("duration out of range") << 3 << 2 << 7u << "1000000/100;2000000/100";
+}
+
+void tst_FrequencySettings::slowHopperTableEditing()
+{
+    QFETCH(int, operation);
+    QFETCH(int, row);
+    QFETCH(uint, value);
+    QFETCH(QString, expected);
+    const auto h = slowHopper();
+    switch (operation) {
+    case 0:
+        h->removeStep(row);
+        break;
+    case 1:
+        h->insertStep(row);
+        break;
+    case 2:
+        h->setTime(row, value);
+        break;
+    default:
+        h->setDuration(row, value);
+        break;
+    }
+    QCOMPARE(flatten(h->getFrequencySteps()), expected);
+    QCOMPARE(h->getTime(-2), 0u);
+    QCOMPARE(h->getTime(h->rows() + 5), h->getTime(h->rows()));
+    QCOMPARE(h->getFrequency(-1), -1.0);
+    QCOMPARE(h->getDuration(h->rows()), 0u);
+}
+
+void tst_FrequencySettings::slowHopperEnd_data()
+{
+    QTest::addColumn<EndBehaviourType>("end");
+    QTest::addColumn<uint>("activeUntil");
+    QTest::addColumn<bool>("activeAt200");
+    QTest::addColumn<bool>("activeAt201");
+    QTest::newRow("stop") << EndStop << NoEnd << true << true;
+    QTest::newRow("restart") << EndRestart << NoEnd << true << true;
+    QTest::newRow("inactive") << EndInactive << 200u << true << false;
+}
+
+void tst_FrequencySettings::slowHopperEnd()
+{
+    QFETCH(EndBehaviourType, end);
+    const auto h = slowHopper(end);
+    QTEST(h->activeUntil(), "activeUntil");
+    QTEST(h->isActiveAt(200), "activeAt200");
+    QTEST(h->isActiveAt(201), "activeAt201");
+}
+
+void tst_FrequencySettings::slowHopperLengthStaysStaleAfterInsertAndRemove()
+{
+    const auto h = slowHopper(EndInactive);
+    QCOMPARE(h->activeUntil(), 200u);
+    h->insertStep(0);
+    QCOMPARE(h->activeUntil(), 200u);
+    QCOMPARE(flatten(h->calculateHRActivities(250, 10, 0)), QString());
+    QVERIFY(h->isActiveAt(300));
+    h->setFrequency(0, 1e6);
+    QCOMPARE(h->activeUntil(), 300u);
+    h->removeStep(2);
+    QCOMPARE(h->activeUntil(), 300u);
+    h->setCenterFrequency(1e6);
+    QCOMPARE(h->activeUntil(), 200u);
+}
+
+void tst_FrequencySettings::equalAndClone_data()
+{
+    QTest::addColumn<Settings>("a");
+    QTest::addColumn<Settings>("b");
+    QTest::addColumn<bool>("equal");
+    QTest::newRow("chirp phase only") << chirp(24e6, 26e6, 1000, 0.1f) << chirp(24e6, 26e6) << true;
+    QTest::newRow("chirp within float step") << chirp(1e9, 2e9) << chirp(1e9 + 20, 2e9) << true;
+    QTest::newRow("chirp start") << chirp(24e6, 26e6) << chirp(24.001e6, 26e6) << false;
+    QTest::newRow("chirp duration") << chirp(24e6, 26e6) << chirp(24e6, 26e6, 999) << false;
+    QTest::newRow("hopper phase only")
+        << fastHopper(0, 4, 4, 0, 100, 0.3f) << fastHopper(0, 4, 4, 0, 100) << true;
+    QTest::newRow("hopper set") << fastHopper(0, 4, 4, 0) << fastHopper(0, 4, 4, 1) << false;
+    QTest::newRow("hopper rate") << fastHopper(0, 4, 4, 0) << fastHopper(0, 4, 4, 0, 10) << false;
+    QTest::newRow("hopper maximum") << fastHopper(0, 4, 4, 0) << fastHopper(0, 5, 4, 0) << false;
+    QTest::newRow("slow end behaviour")
+        << Settings(slowHopper(EndStop)) << Settings(slowHopper(EndRestart)) << true;
+    auto longer = slowHopper();
+    longer->setDuration(1, 101);
+    QTest::newRow("slow duration") << Settings(slowHopper()) << Settings(longer) << false;
+    auto more = slowHopper();
+    more->insertStep(-1);
+    QTest::newRow("slow rows") << Settings(slowHopper()) << Settings(more) << false;
+    QTest::newRow("chirp and hopper") << chirp(0, 4) << fastHopper(0, 4, 4, 0) << false;
+    QTest::newRow("slow and fixed")
+        << Settings(slowHopper()) << Settings(std::make_shared<FrequencySettingsFixed>()) << false;
+}
+
+void tst_FrequencySettings::equalAndClone()
+{
+    QFETCH(Settings, a);
+    QFETCH(Settings, b);
+    QTEST(a->equal(b.get()), "equal");
+    QTEST(b->equal(a.get()), "equal");
+    QVERIFY(!a->equal(nullptr));
+    MsRuntime::srand(0);
+    const std::unique_ptr<IFrequencySettings> copy(a->clone());
+    // A clone of a drawing class takes one value (38) and then keeps the original's phase.
+    const bool draws = a->getType() == FrequencyChirp || a->getType() == FrequencyFastHopper;
+    QCOMPARE(MsRuntime::rand(), draws ? 7719 : 38);
+    QCOMPARE(copy->getType(), a->getType());
+    QVERIFY(copy->equal(a.get()));
+    for (uint t : { 0u, 7u, 150u, 999u, 123457u })
+        QCOMPARE(copy->getFrequencyAt(t), a->getFrequencyAt(t));
+}
+
+QTEST_GUILESS_MAIN(tst_FrequencySettings)
+#include "tst_frequencysettings.moc"
