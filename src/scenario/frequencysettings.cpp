@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <numeric>
 
 namespace Simulation {
 
@@ -280,25 +281,26 @@ IFrequencySettings *FrequencySettings_FastHopper::clone() const
     return copy;
 }
 
-// Eight passes of swaps, each with a random partner biased by the running index. The
-// partner (r + i) mod n is computed as (r + i mod n) mod n, which avoids a division per
-// swap; both are equal while r + i stays within 32 bits, and the exact wrapped sum is used
-// beyond.
+// Eight passes of swaps, each with a random partner biased by the running index. Channel
+// numbers are shuffled instead of frequencies, half the memory to move, and become
+// frequencies at the end with the same raster formula. The partner (r + i) mod n is taken as
+// (r + i mod n) mod n, which needs no division per swap and equals it while r + i stays
+// within 32 bits; the wrapped sum is used beyond. The generator runs as a local copy whose
+// final state goes back to the thread through srand, so the thread continues exactly as
+// after 8 * n calls of rand.
 void FrequencySettings_FastHopper::setupFrequencyList() const
 {
     if (frequencyList.size() == hoppCount)
         return;
     const uint n = hoppCount;
-    frequencyList.resize(n);
-    // The detour through float matters only for counts above 2^24.
-    const double spacing = (maximumFrequency - minimumFrequency) / double(float(n));
-    for (uint i = 0; i < n; ++i)
-        frequencyList[i] = i * spacing + minimumFrequency;
-    MsRuntime::srand(hoppSet);
+    std::vector<uint> channels(n);
+    std::iota(channels.begin(), channels.end(), 0u);
+    uint state = hoppSet;
     const uint swaps = 8u * n;
     uint b = 0;
     for (uint i = 0; i < swaps; ++i) {
-        const uint r = uint(MsRuntime::rand());
+        state = state * 214013u + 2531011u;
+        const uint r = (state >> 16) & 0x7fffu;
         uint a;
         if (r + i < i) {
             a = (r + i) % n;
@@ -307,10 +309,16 @@ void FrequencySettings_FastHopper::setupFrequencyList() const
             if (a >= n)
                 a %= n;
         }
-        std::swap(frequencyList[a], frequencyList[b]);
+        std::swap(channels[a], channels[b]);
         if (++b == n)
             b = 0;
     }
+    MsRuntime::srand(state);
+    // The detour through float matters only for counts above 2^24.
+    const double spacing = (maximumFrequency - minimumFrequency) / double(float(n));
+    frequencyList.resize(n);
+    for (uint i = 0; i < n; ++i)
+        frequencyList[i] = channels[i] * spacing + minimumFrequency;
 }
 
 void FrequencySettings_FastHopper::invalidateFrequencyList()

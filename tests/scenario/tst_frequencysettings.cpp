@@ -265,6 +265,9 @@ void tst_FrequencySettings::fastHopperChannelList_data()
     QTest::newRow("thousand channels")
         << 44500000.0 << 46500000.0 << 1000u << 0u
         << QVector<double> { 46342000, 46108000, 46332000, 44646000 };
+    // Partners beyond the end wrap to the front when n exceeds the generator's 32768 values.
+    QTest::newRow("more channels than draws")
+        << 0.0 << 100000.0 << 100000u << 5u << QVector<double> { 37731, 33725, 20912, 83391 };
     QTest::newRow("one channel") << 5.0 << 6.0 << 1u << 3u << QVector<double> { 5 };
 }
 
