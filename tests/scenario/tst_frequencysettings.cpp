@@ -14,6 +14,10 @@ using namespace Simulation;
 using Settings = std::shared_ptr<IFrequencySettings>;
 Q_DECLARE_METATYPE(Settings)
 Q_DECLARE_METATYPE(EndBehaviourType)
+using SlowEdit = std::function<void(FrequencySettings_SlowHopper &)>;
+Q_DECLARE_METATYPE(SlowEdit)
+using FastEdit = std::function<void(FrequencySettings_FastHopper &)>;
+Q_DECLARE_METATYPE(FastEdit)
 
 namespace {
 
@@ -24,14 +28,6 @@ QString flatten(const QList<HRActivity> &records)
     for (const HRActivity &r : records)
         parts
             << QStringLiteral("%1+%2@%3").arg(r.start).arg(r.duration).arg(r.frequency, 0, 'f', 0);
-    return parts.join(QLatin1Char(';'));
-}
-
-QString flatten(const QList<FrequencyStep> &steps)
-{
-    QStringList parts;
-    for (const FrequencyStep &s : steps)
-        parts << QStringLiteral("%1/%2").arg(s.frequency, 0, 'f', 0).arg(s.duration);
     return parts.join(QLatin1Char(';'));
 }
 
@@ -94,7 +90,8 @@ private Q_SLOTS:
     void activities();
     void faultyInputGivesNeutralResults_data();
     void faultyInputGivesNeutralResults();
-    void chirpRange();
+    void centreMovesTheWholeBehaviour_data();
+    void centreMovesTheWholeBehaviour();
     void fastHopperChannelList_data();
     void fastHopperChannelList();
     void fastHopperRebuildsExactlyWhenShapeChanges_data();
@@ -135,7 +132,6 @@ void tst_FrequencySettings::frequencyAt_data()
     QTest::newRow("slow restart at total") << Settings(restart) << 200u << 1e6;
     QTest::newRow("slow last ms") << Settings(restart) << 199u << 2e6;
     QTest::newRow("slow stop") << Settings(slowHopper(EndStop)) << 250u << 2e6;
-    QTest::newRow("slow inactive") << Settings(slowHopper(EndInactive)) << 200u << 2e6;
 }
 
 void tst_FrequencySettings::frequencyAt()
@@ -238,97 +234,76 @@ void tst_FrequencySettings::faultyInputGivesNeutralResults()
     QCOMPARE(outcome->second, frequency);
 }
 
-void tst_FrequencySettings::chirpRange()
+void tst_FrequencySettings::centreMovesTheWholeBehaviour_data()
 {
-    FrequencySettings_Chirp falling;
-    falling.setStartFrequency(26e6);
-    falling.setStopFrequency(24e6);
-    QCOMPARE(falling.getMinimumFrequency(), 24e6);
-    QCOMPARE(falling.getMaximumFrequency(), 26e6);
-    FrequencySettings_Chirp c;
-    c.setCenterFrequency(100e6);
-    QCOMPARE(c.getStartFrequency(), 99e6);
-    QCOMPARE(c.getStopFrequency(), 101e6);
-}
-
-void tst_FrequencySettings::fastHopperChannelList_data()
-{
+    QTest::addColumn<Settings>("settings");
     QTest::addColumn<double>("minimum");
     QTest::addColumn<double>("maximum");
-    QTest::addColumn<uint>("count");
-    QTest::addColumn<uint>("set");
+    QTest::newRow("chirp") << chirp(24e6, 26e6) << 99e6 << 101e6;
+    QTest::newRow("falling chirp") << chirp(26e6, 24e6) << 99e6 << 101e6;
+    QTest::newRow("fast hopper") << fastHopper(24e6, 26e6, 4, 0) << 99e6 << 101e6;
+    // The first step lands on the centre, the second keeps its distance.
+    QTest::newRow("slow hopper") << Settings(slowHopper()) << 100e6 << 101e6;
+}
+
+void tst_FrequencySettings::centreMovesTheWholeBehaviour()
+{
+    QFETCH(Settings, settings);
+    settings->setCenterFrequency(100e6);
+    QTEST(settings->getMinimumFrequency(), "minimum");
+    QTEST(settings->getMaximumFrequency(), "maximum");
+    QCOMPARE(settings->getCenterFrequency(), 100e6);
+}
+
+// At 1000 hops per second and no offset, ms t reads channel t.
+void tst_FrequencySettings::fastHopperChannelList_data()
+{
+    QTest::addColumn<Settings>("hopper");
     QTest::addColumn<QVector<double>>("head");
-    QTest::newRow("four channels") << 0.0 << 4.0 << 4u << 0u << QVector<double> { 0, 2, 1, 3 };
-    QTest::newRow("ten channels, set 7")
-        << 1000.0 << 2000.0 << 10u << 7u
-        << QVector<double> { 1000, 1500, 1300, 1700, 1100, 1200, 1400, 1900, 1600, 1800 };
-    QTest::newRow("thousand channels")
-        << 44500000.0 << 46500000.0 << 1000u << 0u
-        << QVector<double> { 46342000, 46108000, 46332000, 44646000 };
+    QTest::newRow("four channels") << fastHopper(0, 4, 4, 0) << QVector<double> { 0, 2, 1, 3 };
+    QTest::newRow("ten channels, set 7") << fastHopper(1000, 2000, 10,
+        7) << QVector<double> { 1000, 1500, 1300, 1700, 1100, 1200, 1400, 1900, 1600, 1800 };
+    QTest::newRow("thousand channels") << fastHopper(
+        44500000, 46500000, 1000, 0) << QVector<double> { 46342000, 46108000, 46332000, 44646000 };
     // Partners beyond the end wrap to the front when n exceeds the generator's 32768 values.
     QTest::newRow("more channels than draws")
-        << 0.0 << 100000.0 << 100000u << 5u << QVector<double> { 37731, 33725, 20912, 83391 };
-    QTest::newRow("one channel") << 5.0 << 6.0 << 1u << 3u << QVector<double> { 5 };
+        << fastHopper(0, 100000, 100000, 5) << QVector<double> { 37731, 33725, 20912, 83391 };
+    QTest::newRow("one channel") << fastHopper(5, 6, 1, 3) << QVector<double> { 5 };
 }
 
 void tst_FrequencySettings::fastHopperChannelList()
 {
-    QFETCH(double, minimum);
-    QFETCH(double, maximum);
-    QFETCH(uint, count);
-    QFETCH(uint, set);
+    QFETCH(Settings, hopper);
     QFETCH(QVector<double>, head);
-    // At 1000 hops per second and no offset, ms t reads channel t.
-    const auto h = fastHopper(minimum, maximum, count, set);
     QVector<double> actual;
     for (int i = 0; i < head.size(); ++i)
-        actual << h->getFrequencyAt(uint(i));
+        actual << hopper->getFrequencyAt(uint(i));
     QCOMPARE(actual, head);
 }
 
 void tst_FrequencySettings::fastHopperRebuildsExactlyWhenShapeChanges_data()
 {
-    QTest::addColumn<int>("change");
+    QTest::addColumn<FastEdit>("edit");
     QTest::addColumn<bool>("rebuilds");
-    QTest::newRow("same set") << 0 << true;
-    QTest::newRow("same count") << 1 << true;
-    QTest::newRow("same rate") << 2 << true;
-    QTest::newRow("centre") << 3 << true;
-    QTest::newRow("offset") << 4 << false;
+    using H = FrequencySettings_FastHopper;
+    QTest::newRow("same set") << FastEdit([](H &h) { h.setHoppSet(7); }) << true;
+    QTest::newRow("same count") << FastEdit([](H &h) { h.setHoppCount(10); }) << true;
+    QTest::newRow("same rate") << FastEdit([](H &h) { h.setHoppRate(1000); }) << true;
+    QTest::newRow("same centre") << FastEdit([](H &h) { h.setCenterFrequency(1500); }) << true;
+    QTest::newRow("offset") << FastEdit([](H &h) { h.setTimeslotOffset(0); }) << false;
 }
 
 void tst_FrequencySettings::fastHopperRebuildsExactlyWhenShapeChanges()
 {
-    QFETCH(int, change);
+    QFETCH(FastEdit, edit);
     QFETCH(bool, rebuilds);
-    FrequencySettings_FastHopper h;
-    h.setMinimumFrequency(1000);
-    h.setMaximumFrequency(2000);
-    h.setHoppCount(10);
-    h.setHoppSet(7);
-    h.setHoppRate(1000);
-    h.setTimeslotOffset(0);
-    const double before = h.getFrequencyAt(3);
-    switch (change) {
-    case 0:
-        h.setHoppSet(7);
-        break;
-    case 1:
-        h.setHoppCount(10);
-        break;
-    case 2:
-        h.setHoppRate(1000);
-        break;
-    case 3:
-        h.setCenterFrequency(1500);
-        break;
-    default:
-        h.setTimeslotOffset(0);
-        break;
-    }
+    const auto h
+        = std::static_pointer_cast<FrequencySettings_FastHopper>(fastHopper(1000, 2000, 10, 7));
+    const double before = h->getFrequencyAt(3);
+    edit(*h);
     // A rebuild reseeds with 7 and draws 80 times; after that the next value is 97 % 100.
     MsRuntime::srand(1);
-    QCOMPARE(h.getFrequencyAt(3), before);
+    QCOMPARE(h->getFrequencyAt(3), before);
     QCOMPARE(MsRuntime::rand() % 100, rebuilds ? 97 : 41);
 }
 
@@ -345,48 +320,32 @@ void tst_FrequencySettings::newObjectsDrawTheirPhaseFromTheGenerator()
 
 void tst_FrequencySettings::slowHopperTableEditing_data()
 {
-    QTest::addColumn<int>("operation");
-    QTest::addColumn<int>("row");
-    QTest::addColumn<uint>("value");
+    QTest::addColumn<SlowEdit>("edit");
     QTest::addColumn<QString>("expected");
-    QTest::newRow("remove first") << 0 << 0 << 0u << "1000000/100;2000000/100";
-    QTest::newRow("remove second") << 0 << 1 << 0u << "1000000/100";
-    QTest::newRow("insert behind first") << 1 << 0 << 0u << "1000000/100;1000000/100;2000000/100";
-    QTest::newRow("append last") << 1 << -1 << 0u << "1000000/100;2000000/100;2000000/100";
-    QTest::newRow("insert out of range") << 1 << 2 << 0u << "1000000/100;2000000/100";
-    QTest::newRow("start earlier") << 2 << 1 << 50u << "1000000/50;2000000/100";
-    QTest::newRow("start later") << 2 << 1 << 180u << "1000000/180;2000000/100";
-    QTest::newRow("start at previous ignored") << 2 << 1 << 0u << "1000000/100;2000000/100";
-    QTest::newRow("start of first ignored") << 2 << 0 << 50u << "1000000/100;2000000/100";
-    QTest::newRow("duration out of range") << 3 << 2 << 7u << "1000000/100;2000000/100";
+    using H = FrequencySettings_SlowHopper;
+    QTest::newRow("remove first") << SlowEdit([](H &h) { h.removeStep(0); }) << "1/100;2/100";
+    QTest::newRow("remove second") << SlowEdit([](H &h) { h.removeStep(1); }) << "1/100";
+    QTest::newRow("insert behind")
+        << SlowEdit([](H &h) { h.insertStep(0); }) << "1/100;1/100;2/100";
+    QTest::newRow("append") << SlowEdit([](H &h) { h.insertStep(-1); }) << "1/100;2/100;2/100";
+    QTest::newRow("insert beyond") << SlowEdit([](H &h) { h.insertStep(2); }) << "1/100;2/100";
+    QTest::newRow("start earlier") << SlowEdit([](H &h) { h.setTime(1, 50); }) << "1/50;2/100";
+    QTest::newRow("start later") << SlowEdit([](H &h) { h.setTime(1, 180); }) << "1/180;2/100";
+    QTest::newRow("start at previous") << SlowEdit([](H &h) { h.setTime(1, 0); }) << "1/100;2/100";
+    QTest::newRow("start of first") << SlowEdit([](H &h) { h.setTime(0, 50); }) << "1/100;2/100";
+    QTest::newRow("duration beyond")
+        << SlowEdit([](H &h) { h.setDuration(2, 7); }) << "1/100;2/100";
 }
 
 void tst_FrequencySettings::slowHopperTableEditing()
 {
-    QFETCH(int, operation);
-    QFETCH(int, row);
-    QFETCH(uint, value);
-    QFETCH(QString, expected);
+    QFETCH(SlowEdit, edit);
     const auto h = slowHopper();
-    switch (operation) {
-    case 0:
-        h->removeStep(row);
-        break;
-    case 1:
-        h->insertStep(row);
-        break;
-    case 2:
-        h->setTime(row, value);
-        break;
-    default:
-        h->setDuration(row, value);
-        break;
-    }
-    QCOMPARE(flatten(h->getFrequencySteps()), expected);
-    QCOMPARE(h->getTime(-2), 0u);
-    QCOMPARE(h->getTime(h->rows() + 5), h->getTime(h->rows()));
-    QCOMPARE(h->getFrequency(-1), -1.0);
-    QCOMPARE(h->getDuration(h->rows()), 0u);
+    edit(*h);
+    QStringList steps;
+    for (const FrequencyStep &step : h->getFrequencySteps())
+        steps << QStringLiteral("%1/%2").arg(step.frequency / 1e6).arg(step.duration);
+    QTEST(steps.join(QLatin1Char(';')), "expected");
 }
 
 void tst_FrequencySettings::slowHopperEnd_data()
@@ -417,6 +376,10 @@ void tst_FrequencySettings::slowHopperLengthStaysStaleAfterInsertAndRemove()
     QCOMPARE(h->activeUntil(), 200u);
     QCOMPARE(flatten(h->calculateHRActivities(250, 10, 0)), QString());
     QVERIFY(h->isActiveAt(300));
+    QCOMPARE(h->getTime(9), 300u);
+    QCOMPARE(h->getTime(-1), 0u);
+    QCOMPARE(h->getFrequency(-1), -1.0);
+    QCOMPARE(h->getDuration(3), 0u);
     h->setFrequency(0, 1e6);
     QCOMPARE(h->activeUntil(), 300u);
     h->removeStep(2);
@@ -437,7 +400,6 @@ void tst_FrequencySettings::equalAndClone_data()
     QTest::newRow("hopper phase only")
         << fastHopper(0, 4, 4, 0, 100, 0.3f) << fastHopper(0, 4, 4, 0, 100) << true;
     QTest::newRow("hopper set") << fastHopper(0, 4, 4, 0) << fastHopper(0, 4, 4, 1) << false;
-    QTest::newRow("hopper rate") << fastHopper(0, 4, 4, 0) << fastHopper(0, 4, 4, 0, 10) << false;
     QTest::newRow("hopper maximum") << fastHopper(0, 4, 4, 0) << fastHopper(0, 5, 4, 0) << false;
     QTest::newRow("slow end behaviour")
         << Settings(slowHopper(EndStop)) << Settings(slowHopper(EndRestart)) << true;
