@@ -100,7 +100,8 @@ QList<HRActivity> FrequencySettings_Chirp::calculateHRActivities(
     QList<HRActivity> result;
     const double slope = std::fabs(startFrequency - stopFrequency) / double(float(duration));
     const double steps = std::ceil(resolution / slope);
-    // Anything but a positive step would never leave the loop below.
+    // Zero resolution, equal frequencies or zero duration leave no positive step, and the
+    // loop below would never end.
     if (!(steps >= 1.0))
         return result;
     const uint step = low32(truncate(steps));
