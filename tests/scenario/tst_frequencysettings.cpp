@@ -1,0 +1,436 @@
+#include <radiosim/platform/msrand.h>
+#include <radiosim/scenario/frequencysettings.h>
+
+#include <QtTest>
+
+#include <functional>
+#include <future>
+#include <memory>
+#include <optional>
+#include <thread>
+
+using namespace Simulation;
+
+using Settings = std::shared_ptr<IFrequencySettings>;
+Q_DECLARE_METATYPE(Settings)
+Q_DECLARE_METATYPE(EndBehaviourType)
+using SlowEdit = std::function<void(FrequencySettings_SlowHopper &)>;
+Q_DECLARE_METATYPE(SlowEdit)
+using FastEdit = std::function<void(FrequencySettings_FastHopper &)>;
+Q_DECLARE_METATYPE(FastEdit)
+
+namespace {
+
+// "begin+length@frequency;..." so that one QCOMPARE checks a whole list.
+QString flatten(const QList<HRActivity> &records)
+{
+    QStringList parts;
+    for (const HRActivity &r : records)
+        parts
+            << QStringLiteral("%1+%2@%3").arg(r.start).arg(r.duration).arg(r.frequency, 0, 'f', 0);
+    return parts.join(QLatin1Char(';'));
+}
+
+using Outcome = std::pair<QList<HRActivity>, double>;
+
+// Runs a call that used to loop forever on a worker, so that a regression fails here
+// quickly instead of stalling the suite; a stuck worker dies with the process.
+std::optional<Outcome> runWithinTime(std::function<Outcome()> call)
+{
+    auto task = std::make_shared<std::packaged_task<Outcome()>>(std::move(call));
+    std::future<Outcome> outcome = task->get_future();
+    std::thread([task] { (*task)(); }).detach();
+    if (outcome.wait_for(std::chrono::seconds(10)) != std::future_status::ready)
+        return std::nullopt;
+    return outcome.get();
+}
+
+Settings chirp(double start, double stop, uint duration = 1000, float offset = 0.0f)
+{
+    auto c = std::make_shared<FrequencySettings_Chirp>();
+    c->setStartFrequency(start);
+    c->setStopFrequency(stop);
+    c->setDuration(duration);
+    c->setTimeslotOffset(offset);
+    return c;
+}
+
+Settings fastHopper(
+    double min, double max, uint count, uint set, uint rate = 1000, float offset = 0.0f)
+{
+    auto h = std::make_shared<FrequencySettings_FastHopper>();
+    h->setMinimumFrequency(min);
+    h->setMaximumFrequency(max);
+    h->setHoppCount(count);
+    h->setHoppSet(set);
+    h->setHoppRate(rate);
+    h->setTimeslotOffset(offset);
+    return h;
+}
+
+// Two steps of 100 ms: 1 MHz, then 2 MHz.
+std::shared_ptr<FrequencySettings_SlowHopper> slowHopper(EndBehaviourType end = EndRestart)
+{
+    auto h = std::make_shared<FrequencySettings_SlowHopper>();
+    h->setFrequencySteps({ { 1e6, 100 }, { 2e6, 100 } });
+    h->setEndBehavior(end);
+    return h;
+}
+
+} // namespace
+
+class tst_FrequencySettings : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void frequencyAt_data();
+    void frequencyAt();
+    void activities_data();
+    void activities();
+    void faultyInputGivesNeutralResults_data();
+    void faultyInputGivesNeutralResults();
+    void centreMovesTheWholeBehaviour_data();
+    void centreMovesTheWholeBehaviour();
+    void fastHopperChannelList_data();
+    void fastHopperChannelList();
+    void fastHopperRebuildsExactlyWhenShapeChanges_data();
+    void fastHopperRebuildsExactlyWhenShapeChanges();
+    void newObjectsDrawTheirPhaseFromTheGenerator();
+    void slowHopperTableEditing_data();
+    void slowHopperTableEditing();
+    void slowHopperEnd_data();
+    void slowHopperEnd();
+    void slowHopperLengthStaysStaleAfterInsertAndRemove();
+    void equalAndClone_data();
+    void equalAndClone();
+};
+
+void tst_FrequencySettings::frequencyAt_data()
+{
+    QTest::addColumn<Settings>("settings");
+    QTest::addColumn<uint>("time");
+    QTest::addColumn<double>("expected");
+    const auto c = chirp(24e6, 26e6);
+    QTest::newRow("chirp mid sweep") << c << 500u << 25000000.0;
+    QTest::newRow("chirp jumps back") << c << 1000u << 24000000.0;
+    QTest::newRow("chirp float phase") << c << 999u << 25998000.03;
+    QTest::newRow("chirp falling") << chirp(26e6, 24e6) << 250u << 25500000.0;
+    QTest::newRow("chirp offset restarts sweep") << chirp(24e6, 26e6, 1000, 0.5f) << 500u << 24e6;
+    // (2^32 - 500) % 1000 = 796
+    QTest::newRow("chirp below offset wraps") << chirp(24e6, 26e6, 1000, 0.5f) << 0u << 25592000.0;
+    // 16777217 is not a float: it reads as 16777216, phase 216 instead of 217.
+    QTest::newRow("chirp time through float") << c << 16777217u << 24432000.0;
+    const auto h = fastHopper(1000, 2000, 10, 7, 100);
+    QTest::newRow("hopper second hop") << h << 25u << 1300.0;
+    QTest::newRow("hopper repeats after count") << h << 1030u << 1700.0;
+    // -5 wraps to 4294967291, which float makes 2^32; / 10 rounds to 429496736, entry 6.
+    QTest::newRow("hopper below offset wraps")
+        << fastHopper(1000, 2000, 10, 7, 100, 0.5f) << 0u << 1400.0;
+    const auto restart = slowHopper(EndRestart);
+    QTest::newRow("slow restart") << Settings(restart) << 250u << 1e6;
+    QTest::newRow("slow restart at total") << Settings(restart) << 200u << 1e6;
+    QTest::newRow("slow last ms") << Settings(restart) << 199u << 2e6;
+    QTest::newRow("slow stop") << Settings(slowHopper(EndStop)) << 250u << 2e6;
+}
+
+void tst_FrequencySettings::frequencyAt()
+{
+    QFETCH(Settings, settings);
+    QFETCH(uint, time);
+    QFETCH(double, expected);
+    const double actual = settings->getFrequencyAt(time);
+    QVERIFY2(qAbs(actual - expected) < 0.02, qPrintable(QString::number(actual, 'f', 4)));
+}
+
+void tst_FrequencySettings::activities_data()
+{
+    QTest::addColumn<Settings>("settings");
+    QTest::addColumn<uint>("start");
+    QTest::addColumn<uint>("length");
+    QTest::addColumn<double>("resolution");
+    QTest::addColumn<QString>("expected");
+    const auto c = chirp(24e6, 26e6);
+    QTest::newRow("chirp step 1") << c << 100u << 3u << 2000.0
+                                  << "100+1@24200000;101+1@24202000;102+1@24204000";
+    QTest::newRow("chirp last step passes end")
+        << c << 100u << 4u << 4500.0 << "100+3@24200000;103+3@24206000";
+    QTest::newRow("chirp empty window") << c << 100u << 0u << 1000.0 << "";
+    // Channels 0, 2, 1, 3; 10 ms hops.
+    QTest::newRow("hopper zero head")
+        << fastHopper(0, 4, 4, 0, 100) << 0u << 25u << 0.0 << "0+0@0;0+10@0;10+10@2;20+5@1";
+    QTest::newRow("hopper offset head")
+        << fastHopper(0, 4, 4, 0, 100, 0.5f) << 100u << 20u << 0.0 << "100+5@2;105+10@1;115+5@3";
+    QTest::newRow("hopper slot behind end wraps") << fastHopper(0, 4, 4, 0, 100,
+        0.5f) << 100u << 12u << 0.0 << "100+5@2;105+7@1;115+4294967293@0";
+    // Pieces of 4 ms, channels chosen on the exact 3.33 ms grid.
+    QTest::newRow("hopper rounded hop")
+        << fastHopper(0, 4, 4, 0, 300) << 0u << 10u << 0.0 << "0+0@0;0+4@0;4+4@2;8+2@1";
+    const auto restart = Settings(slowHopper(EndRestart));
+    QTest::newRow("slow restart") << restart << 150u << 100u << 0.0
+                                  << "150+50@2000000;200+50@1000000";
+    QTest::newRow("slow restart repeats") << restart << 0u << 450u << 0.0
+                                          << "0+100@1000000;100+100@2000000;200+100@1000000;"
+                                             "300+100@2000000;400+50@1000000";
+    QTest::newRow("slow restart empty") << restart << 0u << 0u << 0.0 << "";
+    const auto stop = Settings(slowHopper(EndStop));
+    QTest::newRow("slow stop stretches") << stop << 150u << 100u << 0.0 << "150+100@2000000";
+    QTest::newRow("slow stop after end") << stop << 300u << 10u << 0.0 << "300+10@2000000";
+    QTest::newRow("slow stop at total restarts") << stop << 200u << 50u << 0.0 << "200+50@1000000";
+    const auto inactive = Settings(slowHopper(EndInactive));
+    QTest::newRow("slow inactive stretches")
+        << inactive << 150u << 100u << 0.0 << "150+100@2000000";
+    QTest::newRow("slow inactive after end") << inactive << 300u << 10u << 0.0 << "";
+}
+
+void tst_FrequencySettings::activities()
+{
+    QFETCH(Settings, settings);
+    QFETCH(uint, start);
+    QFETCH(uint, length);
+    QFETCH(double, resolution);
+    QFETCH(QString, expected);
+    QCOMPARE(flatten(settings->calculateHRActivities(start, length, resolution)), expected);
+}
+
+void tst_FrequencySettings::faultyInputGivesNeutralResults_data()
+{
+    QTest::addColumn<Settings>("settings");
+    QTest::addColumn<double>("resolution");
+    QTest::addColumn<double>("frequency");
+    QTest::newRow("chirp resolution 0") << chirp(24e6, 26e6) << 0.0 << 24e6;
+    QTest::newRow("chirp resolution NaN") << chirp(24e6, 26e6) << qQNaN() << 24e6;
+    QTest::newRow("chirp equal frequencies") << chirp(25e6, 25e6) << 1000.0 << 25e6;
+    QTest::newRow("chirp duration 0") << chirp(24e6, 26e6, 0) << 1000.0 << 0.0;
+    QTest::newRow("hopper count 0") << fastHopper(0, 4, 0, 0) << 0.0 << 0.0;
+    QTest::newRow("hopper rate 0") << fastHopper(0, 4, 4, 0, 0) << 0.0 << 0.0;
+    auto empty = std::make_shared<FrequencySettings_SlowHopper>();
+    empty->setFrequencySteps({});
+    QTest::newRow("slow empty table") << Settings(empty) << 0.0 << 0.0;
+    auto zero = std::make_shared<FrequencySettings_SlowHopper>();
+    zero->setFrequencySteps({ { 1e6, 0 }, { 2e6, 0 } });
+    QTest::newRow("slow zero length") << Settings(zero) << 0.0 << 2e6;
+    // The cached length of 100 outlives the only step that had a duration.
+    auto stale = std::make_shared<FrequencySettings_SlowHopper>();
+    stale->setFrequencySteps({ { 1e6, 0 }, { 2e6, 100 } });
+    stale->setEndBehavior(EndInactive);
+    stale->activeUntil();
+    stale->setEndBehavior(EndRestart);
+    stale->removeStep(1);
+    QTest::newRow("slow stale length over zero table") << Settings(stale) << 0.0 << 1e6;
+}
+
+void tst_FrequencySettings::faultyInputGivesNeutralResults()
+{
+    QFETCH(Settings, settings);
+    QFETCH(double, resolution);
+    QFETCH(double, frequency);
+    const auto outcome = runWithinTime([settings, resolution] {
+        return Outcome { settings->calculateHRActivities(0, 50, resolution),
+            settings->getFrequencyAt(0) };
+    });
+    QVERIFY2(outcome, "did not return");
+    QCOMPARE(outcome->first.size(), 0);
+    QCOMPARE(outcome->second, frequency);
+}
+
+void tst_FrequencySettings::centreMovesTheWholeBehaviour_data()
+{
+    QTest::addColumn<Settings>("settings");
+    QTest::addColumn<double>("minimum");
+    QTest::addColumn<double>("maximum");
+    QTest::newRow("chirp") << chirp(24e6, 26e6) << 99e6 << 101e6;
+    QTest::newRow("falling chirp") << chirp(26e6, 24e6) << 99e6 << 101e6;
+    QTest::newRow("fast hopper") << fastHopper(24e6, 26e6, 4, 0) << 99e6 << 101e6;
+    // The first step lands on the centre, the second keeps its distance.
+    QTest::newRow("slow hopper") << Settings(slowHopper()) << 100e6 << 101e6;
+}
+
+void tst_FrequencySettings::centreMovesTheWholeBehaviour()
+{
+    QFETCH(Settings, settings);
+    settings->setCenterFrequency(100e6);
+    QTEST(settings->getMinimumFrequency(), "minimum");
+    QTEST(settings->getMaximumFrequency(), "maximum");
+    QCOMPARE(settings->getCenterFrequency(), 100e6);
+}
+
+// At 1000 hops per second and no offset, ms t reads channel t.
+void tst_FrequencySettings::fastHopperChannelList_data()
+{
+    QTest::addColumn<Settings>("hopper");
+    QTest::addColumn<QVector<double>>("head");
+    QTest::newRow("four channels") << fastHopper(0, 4, 4, 0) << QVector<double> { 0, 2, 1, 3 };
+    QTest::newRow("ten channels, set 7") << fastHopper(1000, 2000, 10,
+        7) << QVector<double> { 1000, 1500, 1300, 1700, 1100, 1200, 1400, 1900, 1600, 1800 };
+    QTest::newRow("thousand channels") << fastHopper(
+        44500000, 46500000, 1000, 0) << QVector<double> { 46342000, 46108000, 46332000, 44646000 };
+    // Partners beyond the end wrap to the front when n exceeds the generator's 32768 values.
+    QTest::newRow("more channels than draws")
+        << fastHopper(0, 100000, 100000, 5) << QVector<double> { 37731, 33725, 20912, 83391 };
+    QTest::newRow("one channel") << fastHopper(5, 6, 1, 3) << QVector<double> { 5 };
+}
+
+void tst_FrequencySettings::fastHopperChannelList()
+{
+    QFETCH(Settings, hopper);
+    QFETCH(QVector<double>, head);
+    QVector<double> actual;
+    for (int i = 0; i < head.size(); ++i)
+        actual << hopper->getFrequencyAt(uint(i));
+    QCOMPARE(actual, head);
+}
+
+void tst_FrequencySettings::fastHopperRebuildsExactlyWhenShapeChanges_data()
+{
+    QTest::addColumn<FastEdit>("edit");
+    QTest::addColumn<bool>("rebuilds");
+    using H = FrequencySettings_FastHopper;
+    QTest::newRow("same set") << FastEdit([](H &h) { h.setHoppSet(7); }) << true;
+    QTest::newRow("same count") << FastEdit([](H &h) { h.setHoppCount(10); }) << true;
+    QTest::newRow("same rate") << FastEdit([](H &h) { h.setHoppRate(1000); }) << true;
+    QTest::newRow("same centre") << FastEdit([](H &h) { h.setCenterFrequency(1500); }) << true;
+    QTest::newRow("offset") << FastEdit([](H &h) { h.setTimeslotOffset(0); }) << false;
+}
+
+void tst_FrequencySettings::fastHopperRebuildsExactlyWhenShapeChanges()
+{
+    QFETCH(FastEdit, edit);
+    QFETCH(bool, rebuilds);
+    const auto h
+        = std::static_pointer_cast<FrequencySettings_FastHopper>(fastHopper(1000, 2000, 10, 7));
+    const double before = h->getFrequencyAt(3);
+    edit(*h);
+    // A rebuild reseeds with 7 and draws 80 times; after that the next value is 97 % 100.
+    MsRuntime::srand(1);
+    QCOMPARE(h->getFrequencyAt(3), before);
+    QCOMPARE(MsRuntime::rand() % 100, rebuilds ? 97 : 41);
+}
+
+void tst_FrequencySettings::newObjectsDrawTheirPhaseFromTheGenerator()
+{
+    MsRuntime::srand(7);
+    QCOMPARE(FrequencySettings_Chirp().getTimeslotOffset(), 0.61f);
+    MsRuntime::srand(1);
+    QCOMPARE(FrequencySettings_FastHopper().getTimeslotOffset(), 0.41f);
+    // Building four channels from set 0 takes 32 values; the 33rd is 840.
+    fastHopper(0, 4, 4, 0)->getFrequencyAt(0);
+    QCOMPARE(FrequencySettings_Chirp().getTimeslotOffset(), 0.40f);
+}
+
+void tst_FrequencySettings::slowHopperTableEditing_data()
+{
+    QTest::addColumn<SlowEdit>("edit");
+    QTest::addColumn<QString>("expected");
+    using H = FrequencySettings_SlowHopper;
+    QTest::newRow("remove first") << SlowEdit([](H &h) { h.removeStep(0); }) << "1/100;2/100";
+    QTest::newRow("remove second") << SlowEdit([](H &h) { h.removeStep(1); }) << "1/100";
+    QTest::newRow("insert behind")
+        << SlowEdit([](H &h) { h.insertStep(0); }) << "1/100;1/100;2/100";
+    QTest::newRow("append") << SlowEdit([](H &h) { h.insertStep(-1); }) << "1/100;2/100;2/100";
+    QTest::newRow("insert beyond") << SlowEdit([](H &h) { h.insertStep(2); }) << "1/100;2/100";
+    QTest::newRow("start earlier") << SlowEdit([](H &h) { h.setTime(1, 50); }) << "1/50;2/100";
+    QTest::newRow("start later") << SlowEdit([](H &h) { h.setTime(1, 180); }) << "1/180;2/100";
+    QTest::newRow("start at previous") << SlowEdit([](H &h) { h.setTime(1, 0); }) << "1/100;2/100";
+    QTest::newRow("start of first") << SlowEdit([](H &h) { h.setTime(0, 50); }) << "1/100;2/100";
+    QTest::newRow("duration beyond")
+        << SlowEdit([](H &h) { h.setDuration(2, 7); }) << "1/100;2/100";
+}
+
+void tst_FrequencySettings::slowHopperTableEditing()
+{
+    QFETCH(SlowEdit, edit);
+    const auto h = slowHopper();
+    edit(*h);
+    QStringList steps;
+    for (const FrequencyStep &step : h->getFrequencySteps())
+        steps << QStringLiteral("%1/%2").arg(step.frequency / 1e6).arg(step.duration);
+    QTEST(steps.join(QLatin1Char(';')), "expected");
+}
+
+void tst_FrequencySettings::slowHopperEnd_data()
+{
+    QTest::addColumn<EndBehaviourType>("end");
+    QTest::addColumn<uint>("activeUntil");
+    QTest::addColumn<bool>("activeAt200");
+    QTest::addColumn<bool>("activeAt201");
+    QTest::newRow("stop") << EndStop << NoEnd << true << true;
+    QTest::newRow("restart") << EndRestart << NoEnd << true << true;
+    QTest::newRow("inactive") << EndInactive << 200u << true << false;
+}
+
+void tst_FrequencySettings::slowHopperEnd()
+{
+    QFETCH(EndBehaviourType, end);
+    const auto h = slowHopper(end);
+    QTEST(h->activeUntil(), "activeUntil");
+    QTEST(h->isActiveAt(200), "activeAt200");
+    QTEST(h->isActiveAt(201), "activeAt201");
+}
+
+void tst_FrequencySettings::slowHopperLengthStaysStaleAfterInsertAndRemove()
+{
+    const auto h = slowHopper(EndInactive);
+    QCOMPARE(h->activeUntil(), 200u);
+    h->insertStep(0);
+    QCOMPARE(h->activeUntil(), 200u);
+    QCOMPARE(flatten(h->calculateHRActivities(250, 10, 0)), QString());
+    QVERIFY(h->isActiveAt(300));
+    QCOMPARE(h->getTime(9), 300u);
+    QCOMPARE(h->getTime(-1), 0u);
+    QCOMPARE(h->getFrequency(-1), -1.0);
+    QCOMPARE(h->getDuration(3), 0u);
+    h->setFrequency(0, 1e6);
+    QCOMPARE(h->activeUntil(), 300u);
+    h->removeStep(2);
+    QCOMPARE(h->activeUntil(), 300u);
+    h->setCenterFrequency(1e6);
+    QCOMPARE(h->activeUntil(), 200u);
+}
+
+void tst_FrequencySettings::equalAndClone_data()
+{
+    QTest::addColumn<Settings>("a");
+    QTest::addColumn<Settings>("b");
+    QTest::addColumn<bool>("equal");
+    QTest::newRow("chirp phase only") << chirp(24e6, 26e6, 1000, 0.1f) << chirp(24e6, 26e6) << true;
+    QTest::newRow("chirp within float step") << chirp(1e9, 2e9) << chirp(1e9 + 20, 2e9) << true;
+    QTest::newRow("chirp start") << chirp(24e6, 26e6) << chirp(24.001e6, 26e6) << false;
+    QTest::newRow("chirp duration") << chirp(24e6, 26e6) << chirp(24e6, 26e6, 999) << false;
+    QTest::newRow("hopper phase only")
+        << fastHopper(0, 4, 4, 0, 100, 0.3f) << fastHopper(0, 4, 4, 0, 100) << true;
+    QTest::newRow("hopper set") << fastHopper(0, 4, 4, 0) << fastHopper(0, 4, 4, 1) << false;
+    QTest::newRow("hopper maximum") << fastHopper(0, 4, 4, 0) << fastHopper(0, 5, 4, 0) << false;
+    QTest::newRow("slow end behaviour")
+        << Settings(slowHopper(EndStop)) << Settings(slowHopper(EndRestart)) << true;
+    auto longer = slowHopper();
+    longer->setDuration(1, 101);
+    QTest::newRow("slow duration") << Settings(slowHopper()) << Settings(longer) << false;
+    auto more = slowHopper();
+    more->insertStep(-1);
+    QTest::newRow("slow rows") << Settings(slowHopper()) << Settings(more) << false;
+    QTest::newRow("chirp and hopper") << chirp(0, 4) << fastHopper(0, 4, 4, 0) << false;
+    QTest::newRow("slow and fixed")
+        << Settings(slowHopper()) << Settings(std::make_shared<FrequencySettingsFixed>()) << false;
+}
+
+void tst_FrequencySettings::equalAndClone()
+{
+    QFETCH(Settings, a);
+    QFETCH(Settings, b);
+    QTEST(a->equal(b.get()), "equal");
+    QTEST(b->equal(a.get()), "equal");
+    QVERIFY(!a->equal(nullptr));
+    MsRuntime::srand(0);
+    const std::unique_ptr<IFrequencySettings> copy(a->clone());
+    // A clone of a drawing class takes one value (38) and then keeps the original's phase.
+    const bool draws = a->getType() == FrequencyChirp || a->getType() == FrequencyFastHopper;
+    QCOMPARE(MsRuntime::rand(), draws ? 7719 : 38);
+    QCOMPARE(copy->getType(), a->getType());
+    QVERIFY(copy->equal(a.get()));
+    for (uint t : { 0u, 7u, 150u, 999u, 123457u })
+        QCOMPARE(copy->getFrequencyAt(t), a->getFrequencyAt(t));
+}
+
+QTEST_GUILESS_MAIN(tst_FrequencySettings)
+#include "tst_frequencysettings.moc"
