@@ -51,8 +51,8 @@ public:
     // the walk of getPositionAt does not.
     bool isActiveAt(uint time) const override;
     uint activeUntil() const override;
-    // Inverted: false when both routes are equal, true when they differ (or for a route
-    // against anything else: false). The end behaviour is not compared.
+    // Inverted on purpose, its callers rely on it: false for an equal route, true for a
+    // different one, false for anything that is no route. The end behaviour is not compared.
     bool equal(const IPositionSettings *other) override;
     IPositionSettings *clone() override;
 
