@@ -8,7 +8,7 @@ class IOrvoOS;
 
 namespace Simulation {
 
-// Noise model of a whole scenario; levels in dB as the devices take them.
+// Noise model of a whole scenario, owned by its document.
 class RADIOSIM_EXPORT ScenarioNoiseSettings
 {
 public:
