@@ -1,0 +1,459 @@
+#include <radiosim/scenario/positionsettings.h>
+
+#include <QtTest>
+
+#include <cmath>
+#include <functional>
+#include <memory>
+
+using namespace Simulation;
+
+Q_DECLARE_METATYPE(Simulation::TPos)
+
+namespace {
+MovementPoint point(double lon, double lat, bool major, double speed = 0.0, uint dwell = 0,
+    const QString &name = QString())
+{
+    MovementPoint p;
+    p.position = TPos { lon, lat };
+    p.major = major;
+    p.speed = speed;
+    p.dwellTime = dwell;
+    p.name = name;
+    return p;
+}
+
+PositionSettingsPtp route(const QVector<MovementPoint> &points)
+{
+    PositionSettingsPtp settings({ 0.0, 0.0 }, 0.01);
+    settings.setMovements(points);
+    return settings;
+}
+
+bool sameRoute(PositionSettingsPtp &a, const PositionSettingsPtp &b)
+{
+    return !a.equal(&b);
+}
+
+// One point as a line, so one comparison checks all of it.
+QString describe(const MovementPoint &p)
+{
+    return QStringLiteral("%1 %2 t%3 d%4 %5 '%6'%7 %8")
+        .arg(p.position.lon, 0, 'g', 12)
+        .arg(p.position.lat, 0, 'g', 12)
+        .arg(p.transitionTime)
+        .arg(p.dwellTime)
+        .arg(p.major ? "major" : "minor", p.name, p.name.isNull() ? "null" : "")
+        .arg(p.speed, 0, 'g', 8);
+}
+
+const TPos p0 { 11.0, 48.0 };
+const TPos p1 { 11.02, 48.01 };
+const TPos p2 { 11.02, 48.03 };
+} // namespace
+
+// Distances and azimuths come from GeographicLib's GeodSolve, not from our own geodesy.
+class tst_PositionSettings : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+    void newRouteAndSetMovementsKeepInvariants();
+    void walkThroughDwellAndLegs_data();
+    void walkThroughDwellAndLegs();
+    void inactiveLimitIncludesLastPoint_data();
+    void inactiveLimitIncludesLastPoint();
+    void equalIsInverted();
+    void removeRow();
+    void insertRowAfter_data();
+    void insertRowAfter();
+    void arcPointsLieOnTheCircle_data();
+    void arcPointsLieOnTheCircle();
+    void badArgumentsChangeNothing();
+    void setArivalTimeCountsDistanceBackToMajor_data();
+    void setArivalTimeCountsDistanceBackToMajor();
+    void timesBoundsLengthAndShift();
+
+private:
+    // (azimuth in degrees, distance in km) from a to b.
+    QPair<double, double> inverse(const TPos &a, const TPos &b);
+    TPos direct(const TPos &from, double azimuth, double km);
+    QStringList geodSolve(const QStringList &arguments, double a, double b, double c, double d);
+    // Dwell 1000 ms at p0, then 2000 ms to p1 and 1000 ms to p2.
+    PositionSettingsPtp walkRoute();
+
+    QString m_geodSolve;
+    double m_azimuth01 = 0.0;
+    double m_azimuth12 = 0.0;
+    double m_speed01 = 0.0;
+};
+
+QStringList tst_PositionSettings::geodSolve(
+    const QStringList &arguments, double a, double b, double c, double d)
+{
+    QProcess process;
+    process.start(
+        m_geodSolve, QStringList(arguments) << QStringLiteral("-p") << QStringLiteral("9"));
+    process.write(QStringLiteral("%1 %2 %3 %4\n")
+                      .arg(a, 0, 'g', 17)
+                      .arg(b, 0, 'g', 17)
+                      .arg(c, 0, 'g', 17)
+                      .arg(d, 0, 'g', 17)
+                      .toUtf8());
+    process.closeWriteChannel();
+    process.waitForFinished(10000);
+    const QStringList out
+        = QString::fromUtf8(process.readAllStandardOutput()).simplified().split(QLatin1Char(' '));
+    return out.size() == 3 ? out : QStringList { "nan", "nan", "nan" };
+}
+
+QPair<double, double> tst_PositionSettings::inverse(const TPos &a, const TPos &b)
+{
+    const QStringList out = geodSolve({ QStringLiteral("-i") }, a.lat, a.lon, b.lat, b.lon);
+    const double azimuth = out[0].toDouble();
+    return { azimuth < 0.0 ? azimuth + 360.0 : azimuth, out[2].toDouble() / 1000.0 };
+}
+
+TPos tst_PositionSettings::direct(const TPos &from, double azimuth, double km)
+{
+    const QStringList out = geodSolve({}, from.lat, from.lon, azimuth, km * 1000.0);
+    return { out[1].toDouble(), out[0].toDouble() };
+}
+
+PositionSettingsPtp tst_PositionSettings::walkRoute()
+{
+    // Speeds that make the legs last 2000.5 and 1000.5 ms, so the floored times are exact.
+    return route({ point(p0.lon, p0.lat, true, 0.0, 1000),
+        point(p1.lon, p1.lat, true, inverse(p0, p1).second * 3600000.0 / 2000.5),
+        point(p2.lon, p2.lat, true, inverse(p1, p2).second * 3600000.0 / 1000.5) });
+}
+
+void tst_PositionSettings::initTestCase()
+{
+    m_geodSolve = QStandardPaths::findExecutable(QStringLiteral("GeodSolve"));
+    QVERIFY2(!m_geodSolve.isEmpty(), "GeodSolve (geographiclib-tools) is not installed");
+    m_azimuth01 = inverse(p0, p1).first;
+    m_azimuth12 = inverse(p1, p2).first;
+    m_speed01 = inverse(p0, p1).second * 3600000.0 / 2000.0;
+}
+
+void tst_PositionSettings::newRouteAndSetMovementsKeepInvariants()
+{
+    PositionSettingsPtp settings({ 11.0, 48.0 }, 0.01);
+    const uint leg = std::floor(inverse({ 11.0, 48.0 }, { 11.01, 48.01 }).second / 50 * 3600000);
+    QCOMPARE(settings.getMovments().size(), 2);
+    QCOMPARE(
+        describe(settings.getPoint(0)), QStringLiteral("11 48 t%1 d0 major ''null 0").arg(leg));
+    QCOMPARE(describe(settings.getPoint(1)), QStringLiteral("11.01 48.01 t0 d0 major ''null 50"));
+    QCOMPARE(settings.getEndBehavior(), EndRestart);
+    QCOMPARE(settings.getMovementSpeed(0), -1.0f);
+    QCOMPARE(settings.speedAt(0), -1.0);
+    QCOMPARE(settings.activeUntil(), NoEnd);
+    QVERIFY(settings.isActiveAt(0) && settings.isActiveAt(NoEnd));
+
+    const PositionSettingsPtp before = settings;
+    settings.setMovements({ point(5.0, 5.0, true) });
+    QVERIFY(sameRoute(settings, before));
+
+    // A file's transition times and a minor point's own speed and dwell do not survive.
+    MovementPoint middle = point(11.01, 48.0, false, 5.0, 700);
+    middle.transitionTime = 12345;
+    settings.setMovements({ point(11.0, 48.0, false), middle, point(11.02, 48.0, false, 20.0) });
+    const double km = inverse({ 11.01, 48.0 }, { 11.02, 48.0 }).second;
+    const uint second = std::floor(km / 50 * 3600000);
+    QVERIFY(settings.getPoint(0).major);
+    QCOMPARE(describe(settings.getPoint(1)),
+        QStringLiteral("11.01 48 t%1 d0 minor ''null 50").arg(second));
+    QCOMPARE(describe(settings.getPoint(2)), QStringLiteral("11.02 48 t0 d0 major ''null 50"));
+
+    const PositionSettingsPtp edited = settings;
+    settings.setMovementSpeed(0, 30.0f);
+    QVERIFY(sameRoute(settings, edited));
+    settings.setMovementSpeed(2, 25.0f);
+    QCOMPARE(settings.getPoint(1).speed, 25.0);
+    QCOMPARE(settings.getPoint(1).transitionTime, uint(std::floor(km / 25 * 3600000)));
+}
+
+void tst_PositionSettings::walkThroughDwellAndLegs_data()
+{
+    QTest::addColumn<int>("behaviour");
+    QTest::addColumn<uint>("time");
+    QTest::addColumn<TPos>("position");
+    QTest::addColumn<double>("heading");
+    QTest::addColumn<double>("speed");
+    const TPos mid01 { (p0.lon + p1.lon) / 2, (p0.lat + p1.lat) / 2 };
+    const TPos mid12 { p1.lon, (p1.lat + p2.lat) / 2 };
+    const int restart = EndRestart;
+    QTest::newRow("dwell at start") << restart << 500u << p0 << m_azimuth01 << -1.0;
+    QTest::newRow("leg begins") << restart << 1000u << p0 << m_azimuth01 << -1.0;
+    QTest::newRow("halfway first leg") << restart << 2000u << mid01 << m_azimuth01 << -1.0;
+    QTest::newRow("speed lags one leg") << restart << 3500u << mid12 << m_azimuth12 << m_speed01;
+    QTest::newRow("restart at route time") << restart << 4000u << p0 << m_azimuth01 << -1.0;
+    QTest::newRow("restart second lap") << restart << 10000u << mid01 << m_azimuth01 << -1.0;
+    QTest::newRow("stop at route time") << int(EndStop) << 4000u << p2 << m_azimuth12 << 0.0;
+    QTest::newRow("stop long after") << int(EndStop) << 900000u << p2 << m_azimuth12 << 0.0;
+    QTest::newRow("inactive moves like stop")
+        << int(EndInactive) << 5000u << p2 << m_azimuth12 << 0.0;
+}
+
+void tst_PositionSettings::walkThroughDwellAndLegs()
+{
+    QFETCH(int, behaviour);
+    QFETCH(uint, time);
+    QFETCH(TPos, position);
+    QFETCH(double, heading);
+    QFETCH(double, speed);
+    PositionSettingsPtp settings = walkRoute();
+    QCOMPARE(settings.getPoint(0).transitionTime, 2000u);
+    QCOMPARE(settings.getPoint(1).transitionTime, 1000u);
+    settings.setEndBehavior(EndBehaviourType(behaviour));
+    const TPos at = settings.getPositionAt(time);
+    QVERIFY(qAbs(at.lon - position.lon) < 1e-12 && qAbs(at.lat - position.lat) < 1e-12);
+    QVERIFY(qAbs(settings.headingAt(time) - heading) < 1e-6);
+    QVERIFY(qAbs(settings.speedAt(time) - speed) <= 1e-5 * qAbs(speed));
+}
+
+void tst_PositionSettings::inactiveLimitIncludesLastPoint_data()
+{
+    QTest::addColumn<uint>("lastDwell");
+    QTest::addColumn<uint>("until");
+    QTest::newRow("last transition only") << 0u << 309431u;
+    QTest::newRow("last dwell too") << 500u << 309931u;
+}
+
+void tst_PositionSettings::inactiveLimitIncludesLastPoint()
+{
+    QFETCH(uint, lastDwell);
+    QFETCH(uint, until);
+    MovementPoint last = point(p1.lon, p1.lat, true, 40.0, lastDwell);
+    last.transitionTime = 8509;
+    PositionSettingsPtp settings = route({ point(p0.lon, p0.lat, true), last });
+    settings.setDepartureTime(0, 300922 - settings.getPoint(0).transitionTime);
+    QCOMPARE(settings.getArivalTime(1), 300922u);
+
+    settings.setEndBehavior(EndInactive);
+    QCOMPARE(settings.activeUntil(), until);
+    QVERIFY(settings.isActiveAt(until));
+    QVERIFY(!settings.isActiveAt(until + 1));
+    QCOMPARE(settings.getPositionAt(until).lon, p1.lon);
+    settings.setEndBehavior(EndStop);
+    QCOMPARE(settings.activeUntil(), NoEnd);
+    QVERIFY(settings.isActiveAt(until + 1));
+}
+
+void tst_PositionSettings::equalIsInverted()
+{
+    PositionSettingsPtp original = walkRoute();
+    std::unique_ptr<IPositionSettings> copy(original.clone());
+    static_cast<PositionSettingsPtp &>(*copy).setEndBehavior(EndStop);
+    QVERIFY(!original.equal(copy.get()));
+    const std::pair<std::function<void(MovementPoint &)>, bool> edits[] = {
+        { [](MovementPoint &p) { p.position.lon += 1e-11; }, false },
+        { [](MovementPoint &p) { p.position.lon += 1e-9; }, true },
+        { [](MovementPoint &p) { p.speed += 1e-12; }, true },
+        { [](MovementPoint &p) { p.name = QStringLiteral("B"); }, true },
+    };
+    for (const auto &edit : edits) {
+        PositionSettingsPtp other = original;
+        MovementPoint p = other.getPoint(1);
+        edit.first(p);
+        other.setPoint(1, p);
+        QCOMPARE(original.equal(&other), edit.second);
+    }
+    PositionSettingsPtp longer = original;
+    longer.insertRowAfter(0, 0.001, QString());
+    QVERIFY(original.equal(&longer));
+    PositionSettingsFixed fixed(p0);
+    QVERIFY(!original.equal(&fixed));
+    QVERIFY(!original.equal(nullptr));
+}
+
+void tst_PositionSettings::removeRow()
+{
+    // A removed major point hands speed and dwell, not its name, to the minor point before it.
+    PositionSettingsPtp settings = route({ point(11.0, 48.0, true), point(11.01, 48.0, false),
+        point(11.02, 48.0, true, 30.0, 900, "B"), point(11.03, 48.0, true, 40.0) });
+    settings.removeRow(2);
+    QCOMPARE(settings.getMovments().size(), 3);
+    QCOMPARE(describe(settings.getPoint(1)).section(QLatin1Char(' '), 3),
+        QStringLiteral("d900 major ''null 30"));
+
+    PositionSettingsPtp pair({ 11.0, 48.0 }, 0.01);
+    QVERIFY(!pair.canRemoveRow(-1) && !pair.canRemoveRow(0) && !pair.canRemoveRow(2));
+    QVERIFY(pair.canRemoveRow(1));
+    pair.removeRow(1);
+    QCOMPARE(pair.getMovments().size(), 1);
+    QCOMPARE(pair.getPositionAt(12345).lon, 11.0);
+    QCOMPARE(pair.headingAt(12345), 0.0);
+    QCOMPARE(pair.speedAt(12345), 0.0);
+    QCOMPARE(pair.getPoint(7).position.lat, 48.0);
+    QCOMPARE(pair.length(), 0.0);
+}
+
+void tst_PositionSettings::insertRowAfter_data()
+{
+    QTest::addColumn<int>("row");
+    QTest::addColumn<double>("step");
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<int>("index");
+    QTest::addColumn<QString>("inserted");
+    QTest::addColumn<double>("lastLon");
+    const QString empty("");
+    QTest::newRow("middle, capped at 0.7")
+        << 0 << 10.0 << empty << 1 << "11.7 48 major '' 50" << 12.0;
+    QTest::newRow("middle, null name is minor")
+        << 0 << 10.0 << QString() << 1 << "11.7 48 minor ''null 30" << 12.0;
+    QTest::newRow("middle, short step") << 0 << 0.25 << "A" << 1 << "11.25 48 major 'A' 50" << 12.0;
+    QTest::newRow("middle, zero is the leg")
+        << 0 << 0.0 << "A" << 1 << "11.7 48 major 'A' 50" << 12.0;
+    QTest::newRow("end, empty name extends")
+        << 1 << 0.5 << empty << 1 << "12 48 major '' 50" << 12.5;
+    QTest::newRow("end, null name extends minor")
+        << 1 << 0.5 << QString() << 1 << "12 48 minor ''null 30" << 12.5;
+    QTest::newRow("end, named appends") << 5 << 0.5 << "B" << 2 << "12.5 48 major 'B' 50" << 12.5;
+}
+
+void tst_PositionSettings::insertRowAfter()
+{
+    QFETCH(int, row);
+    QFETCH(double, step);
+    QFETCH(QString, name);
+    QFETCH(int, index);
+    QFETCH(QString, inserted);
+    QFETCH(double, lastLon);
+    PositionSettingsPtp settings
+        = route({ point(11.0, 48.0, true), point(12.0, 48.0, true, 30.0) });
+    settings.insertRowAfter(row, step, name);
+    QCOMPARE(settings.getMovments().size(), 3);
+    const QStringList seen = describe(settings.getPoint(index)).split(QLatin1Char(' '));
+    QCOMPARE(QStringList(seen.mid(0, 2) + seen.mid(4)).join(QLatin1Char(' ')), inserted);
+    QVERIFY(qAbs(settings.getMovments().last().position.lon - lastLon) < 1e-12);
+    QVERIFY(settings.getPoint(0).transitionTime > 0 && settings.getPoint(1).transitionTime > 0);
+}
+
+void tst_PositionSettings::arcPointsLieOnTheCircle_data()
+{
+    QTest::addColumn<int>("row");
+    QTest::addColumn<int>("count");
+    QTest::addColumn<int>("angle");
+    QTest::addColumn<double>("radius");
+    QTest::newRow("from the end, left") << 2 << 5 << 90 << 500.0;
+    QTest::newRow("from the start, right") << 0 << 3 << -180 << 200.0;
+    QTest::newRow("middle, after a leg") << 1 << 4 << 120 << 1000.0;
+    QTest::newRow("full circle") << 1 << 9 << 360 << 300.0;
+}
+
+void tst_PositionSettings::arcPointsLieOnTheCircle()
+{
+    QFETCH(int, row);
+    QFETCH(int, count);
+    QFETCH(int, angle);
+    QFETCH(double, radius);
+    PositionSettingsPtp settings = route({ point(p0.lon, p0.lat, true),
+        point(p1.lon, p1.lat, true, 30.0), point(p2.lon, p2.lat, true, 40.0, 0, "end") });
+    const TPos from = settings.getPoint(row).position;
+    double side = angle > 0 ? 90.0 : -90.0;
+    if (row > 0)
+        side += inverse(settings.getPoint(row - 1).position, from).first;
+    const TPos centre = direct(from, side, radius / 1000.0);
+
+    settings.insertArcAfter(row, count, angle, radius);
+    QCOMPARE(settings.getMovments().size(), 3 + count - 1);
+    const bool atEnd = row == 2;
+    for (int j = 1; j < count; ++j) {
+        const MovementPoint &arc = settings.getPoint(row + j);
+        const QPair<double, double> seen = inverse(centre, arc.position);
+        QVERIFY2(qAbs(seen.second * 1000.0 - radius) < 1.0, qPrintable(QString::number(j)));
+        const double off
+            = std::fmod(qAbs(seen.first - j * double(angle) / (count - 1) - side), 360);
+        QVERIFY2(qAbs(off - 180.0) < 0.05, qPrintable(QString::number(seen.first)));
+        QCOMPARE(arc.major, atEnd && j == count - 1);
+        QCOMPARE(arc.speed, atEnd ? 40.0 : settings.getPoint(row + count).speed);
+    }
+    QCOMPARE(settings.getMovments().last().name, QStringLiteral("end"));
+}
+
+void tst_PositionSettings::badArgumentsChangeNothing()
+{
+    PositionSettingsPtp settings({ 11.0, 48.0 }, 0.01);
+    const PositionSettingsPtp before = settings;
+    settings.insertArcAfter(0, 1, 90, 500.0);
+    settings.insertArcAfter(0, 0, 90, 500.0);
+    settings.insertArcAfter(-1, 4, 90, 500.0);
+    settings.insertArcAfter(2, 4, 90, 500.0);
+    settings.insertRowsAfter(0, {});
+    settings.insertRowAfter(-1, 0.5, QStringLiteral("X"));
+    settings.setArivalTime(0, 99999);
+    settings.setPoint(2, point(1.0, 1.0, true));
+    settings.removeRow(0);
+    QVERIFY(sameRoute(settings, before));
+
+    // A route of zero time cannot restart; it stands still.
+    settings.setPosition({ 11.01, 48.01 });
+    QCOMPARE(settings.getPoint(0).transitionTime, before.getPoint(0).transitionTime);
+    settings.setPoint(1, point(11.01, 48.01, true, 50.0));
+    QCOMPARE(settings.getPoint(0).transitionTime, 0u);
+    QCOMPARE(settings.speedAt(777), 0.0);
+    QCOMPARE(settings.getPositionAt(777).lon, 11.01);
+    QVERIFY(qIsFinite(settings.headingAt(777)));
+}
+
+void tst_PositionSettings::setArivalTimeCountsDistanceBackToMajor_data()
+{
+    QTest::addColumn<bool>("middleMajor");
+    QTest::newRow("minor point between") << false;
+    QTest::newRow("major point between") << true;
+}
+
+void tst_PositionSettings::setArivalTimeCountsDistanceBackToMajor()
+{
+    QFETCH(bool, middleMajor);
+    const TPos a { 11.0, 48.0 }, b { 11.01, 48.0 }, c { 11.02, 48.01 };
+    PositionSettingsPtp settings = route({ point(a.lon, a.lat, true, 0.0, 1000),
+        point(b.lon, b.lat, middleMajor, 50.0), point(c.lon, c.lat, true, 50.0) });
+    const uint leave = settings.getDepartureTime(1);
+    settings.setArivalTime(2, leave + 5000);
+    const double km = inverse(b, c).second + (middleMajor ? 0.0 : inverse(a, b).second);
+    const double speed = km / (5000.0 / 3600000.0);
+    const MovementPoint &end = settings.getPoint(2);
+    QVERIFY2(qAbs(end.speed - speed) < 1e-6 * speed, qPrintable(QString::number(end.speed)));
+    QCOMPARE(end.speed, double(float(end.speed)));
+    QCOMPARE(settings.getPoint(1).speed, middleMajor ? 50.0 : end.speed);
+    // Only without minor points between is the point reached at the asked time.
+    const uint arrival = settings.getArivalTime(2);
+    QCOMPARE(arrival + 1 >= leave + 5000 && arrival <= leave + 5000, middleMajor);
+}
+
+void tst_PositionSettings::timesBoundsLengthAndShift()
+{
+    PositionSettingsPtp settings = walkRoute();
+    settings.setDepartureTime(1, 3250);
+    uint min = 1, max = 1;
+    QCOMPARE(settings.getArivalTime(0, &min, &max), 0u);
+    QCOMPARE(QList<uint>({ min, max }), QList<uint>({ 0, 0 }));
+    QCOMPARE(settings.getArivalTime(2, &min, &max), 4250u);
+    QCOMPARE(QList<uint>({ min, max }), QList<uint>({ 3250, NoEnd }));
+    QCOMPARE(settings.getDepartureTime(0, &min, &max), 1000u);
+    QCOMPARE(QList<uint>({ min, max }), QList<uint>({ 0, NoEnd }));
+    // A departure before the arrival wraps the dwell time.
+    settings.setDepartureTime(1, 2000);
+    QCOMPARE(settings.getPoint(1).dwellTime, 4294966296u);
+
+    QVERIFY(qAbs(settings.length() - inverse(p0, p1).second - inverse(p1, p2).second) < 1e-9);
+    double width = 0.0, height = 0.0;
+    settings.area(width, height);
+    QVERIFY(qAbs(width - inverse(p0, { p1.lon, p0.lat }).second) < 1e-9);
+    QVERIFY(qAbs(height - inverse(p0, { p0.lon, p2.lat }).second) < 1e-9);
+
+    const PositionSettingsPtp before = settings;
+    settings.setPosition({ 12.0, 47.5 });
+    QCOMPARE(settings.getPosition().lat, 47.5);
+    QVERIFY(qAbs(settings.getPoint(2).position.lon - (p2.lon + 1.0)) < 1e-12);
+    QVERIFY(qAbs(settings.getPoint(2).position.lat - (p2.lat - 0.5)) < 1e-12);
+    QCOMPARE(describe(settings.getPoint(0)).section(QLatin1Char(' '), 2),
+        describe(before.getPoint(0)).section(QLatin1Char(' '), 2));
+}
+
+QTEST_GUILESS_MAIN(tst_PositionSettings)
+#include "tst_positionsettings.moc"
