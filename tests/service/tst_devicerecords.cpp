@@ -1,3 +1,5 @@
+#include "servicetesthelpers.h"
+
 #include <radiosim/service/simulationdevice.h>
 
 #include <QtTest>
@@ -43,15 +45,6 @@ SimulationDeviceConfiguration sample()
 SimulationDeviceConfiguration stale()
 {
     return configuration(QVector<QString>(7, QStringLiteral("old")).toList(), -1.0, -1.0);
-}
-
-// One line per record, so one comparison checks all fields.
-QString flatten(const SimulationDeviceConfiguration &d)
-{
-    return QStringList { d.id(), d.name(), d.stationId(), d.stationName(), d.machine(),
-        d.machineId(), d.deviceType(), QString::number(d.positionLongitude(), 'g', 17),
-        QString::number(d.positionLatitude(), 'g', 17) }
-        .join(QLatin1Char('|'));
 }
 
 } // namespace
