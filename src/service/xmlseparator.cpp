@@ -160,8 +160,8 @@ void XmlSeparator::cutDocuments()
             const qint64 after = m_reader->characterOffset();
             const QXmlStreamReader::Error error = m_reader->error();
             if (error == QXmlStreamReader::NoError) {
-                const int n = int(after - before);
-                m_xml += chunk.mid(used, n);
+                const int n = qMin(int(after - before), chunk.size() - used);
+                m_xml.append(chunk.constData() + used, n);
                 used += n;
                 if (token != QXmlStreamReader::EndDocument)
                     continue;
@@ -170,8 +170,7 @@ void XmlSeparator::cutDocuments()
                 m_reader->clear();
                 chunk = takeChunk(position, true);
             } else if (error == QXmlStreamReader::PrematureEndOfDocumentError) {
-                if (used < chunk.size())
-                    m_xml += chunk.mid(used);
+                m_xml.append(chunk.constData() + used, chunk.size() - used);
                 chunk = takeChunk(position, false);
             } else {
                 Q_EMIT errorOccured(m_reader->errorString());
