@@ -66,6 +66,8 @@ private Q_SLOTS:
     void handWrittenCommands_data();
     void handWrittenCommands();
     void malformedStreamIsTracedAndStopsReading();
+    void traceLinesFollowTheirClassBits_data();
+    void traceLinesFollowTheirClassBits();
     void sendingWithoutSocketDoesNothing();
     void confirmationMatchesHashOfSaltAndRecord();
     void timersAreChildrenWithTheirIntervals();
@@ -326,6 +328,42 @@ void tst_ServiceCommunication::malformedStreamIsTracedAndStopsReading()
     QCOMPARE(stopped.count(), 0);
     QCOMPARE(trace.lines().size(), 1);
     QCOMPARE(sockets.accepted->state(), QAbstractSocket::ConnectedState);
+}
+
+void tst_ServiceCommunication::traceLinesFollowTheirClassBits_data()
+{
+    QTest::addColumn<quint32>("classes");
+    QTest::addColumn<QStringList>("lines");
+    const QString processed = QStringLiteral("Processed Command/Update: StopScenario");
+    const QString incomplete = QStringLiteral("Invalid or incomplete command/update: TestMode");
+    const QString invalid = QStringLiteral("Invalid xml: Other");
+    QTest::newRow("none") << quint32(0) << QStringList {};
+    QTest::newRow("rejected commands")
+        << quint32(ErrorHandler::TraceConnection) << QStringList { incomplete };
+    QTest::newRow("processed commands and XML errors")
+        << quint32(ErrorHandler::TraceCommands) << QStringList { processed, invalid };
+    QTest::newRow("both") << quint32(ErrorHandler::TraceConnection | ErrorHandler::TraceCommands)
+                          << QStringList { processed, incomplete, invalid };
+}
+
+void tst_ServiceCommunication::traceLinesFollowTheirClassBits()
+{
+    QFETCH(quint32, classes);
+    QFETCH(QStringList, lines);
+    TraceCapture trace;
+    ErrorHandler::Instance()->setTraceClasses(classes);
+    SocketPair sockets;
+    QVERIFY(sockets.open());
+    SimulationServiceCommunication server(sockets.accepted);
+    QSignalSpy stopped(&server, &SimulationServiceCommunication::stopScenario);
+    QSignalSpy released(&server, &SimulationServiceCommunication::commandReleaseServer);
+    sockets.client.write("<Command><StopScenario/></Command>"
+                         "<Command><TestMode><On>yes</On></TestMode></Command>"
+                         "<Other/><Command><ReleaseServer/></Command>");
+    QTRY_COMPARE(released.count(), 1);
+    QCOMPARE(stopped.count(), 1);
+    trace.lines().removeAll(QStringLiteral("Processed Command/Update: ReleaseServer"));
+    QCOMPARE(trace.lines(), lines);
 }
 
 void tst_ServiceCommunication::sendingWithoutSocketDoesNothing()

@@ -14,6 +14,10 @@ private Q_SLOTS:
     void disconnectingReconnects();
     void unreachableServerIsRetriedWithTraceLines();
     void notConnectedBeforeTheFirstAttempt();
+    void hostAndPortFromText_data();
+    void hostAndPortFromText();
+    void traceLinesFollowTheirClassBits_data();
+    void traceLinesFollowTheirClassBits();
 };
 
 void tst_TcpServerConnector::connectsAndTraces()
@@ -109,6 +113,66 @@ void tst_TcpServerConnector::notConnectedBeforeTheFirstAttempt()
     QVERIFY(connector.socket() != nullptr);
     QCOMPARE(connector.socket()->parent(), &connector);
     QCOMPARE(connector.socket()->state(), QAbstractSocket::UnconnectedState);
+}
+
+void tst_TcpServerConnector::hostAndPortFromText_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QString>("address");
+    QTest::newRow("host and port") << "127.0.0.1:4711"
+                                   << "127.0.0.1:4711";
+    QTest::newRow("no colon gives port 0") << "serverhost"
+                                           << "serverhost:0";
+    QTest::newRow("two colons") << "a:1:2"
+                                << "a:1";
+    QTest::newRow("port not a number") << "h:x"
+                                       << "h:0";
+}
+
+// The attempt's trace line names what was parsed; no attempt is awaited.
+void tst_TcpServerConnector::hostAndPortFromText()
+{
+    QFETCH(QString, text);
+    QFETCH(QString, address);
+    TraceCapture trace;
+    TcpServerConnector connector(text);
+    connector.connectToServer();
+    QCOMPARE(trace.lines().value(0), QStringLiteral("Try to connect to: ") + address);
+}
+
+void tst_TcpServerConnector::traceLinesFollowTheirClassBits_data()
+{
+    QTest::addColumn<quint32>("classes");
+    QTest::addColumn<QStringList>("starts");
+    QTest::newRow("connection changes only")
+        << quint32(ErrorHandler::TraceConnection) << QStringList { "Try to connect to: " };
+    QTest::newRow("socket errors only")
+        << quint32(ErrorHandler::TraceCommands)
+        << QStringList { "Error while connecting to: ", "Try to connect to: " };
+}
+
+void tst_TcpServerConnector::traceLinesFollowTheirClassBits()
+{
+    QFETCH(quint32, classes);
+    QFETCH(QStringList, starts);
+    QTcpServer probe;
+    QVERIFY(probe.listen(QHostAddress::LocalHost, 0));
+    const quint16 port = probe.serverPort();
+    probe.close();
+
+    TraceCapture trace;
+    ErrorHandler::Instance()->setTraceClasses(classes);
+    {
+        TcpServerConnector connector(QStringLiteral("127.0.0.1"), port);
+        connector.connectToServer();
+        QTRY_VERIFY(trace.lines().size() >= starts.size());
+        QTest::qWait(30);
+    }
+    for (int i = 0; i < trace.lines().size(); ++i)
+        QVERIFY2(trace.lines().at(i).startsWith(starts.at(i % starts.size())),
+            qPrintable(trace.lines().at(i)));
+    if (classes == ErrorHandler::TraceConnection)
+        QCOMPARE(trace.lines().size(), 1);
 }
 
 QTEST_GUILESS_MAIN(tst_TcpServerConnector)

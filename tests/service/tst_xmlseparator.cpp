@@ -2,6 +2,8 @@
 
 #include <radiosim/service/xmlseparator_p.h>
 
+#include <QTcpServer>
+#include <QTcpSocket>
 #include <QtEndian>
 #include <QtTest>
 
@@ -49,6 +51,7 @@ private Q_SLOTS:
     void framesCompressedBothWays_data();
     void framesCompressedBothWays();
     void uncompressedFirstFrameSwitchesCompressionOff();
+    void uncompressedPeerOnRealSockets();
     void plainModeNeverCompresses();
     void pauseAndResume();
     void enablingTwiceKeepsOneConnection();
@@ -305,6 +308,31 @@ void tst_XmlSeparator::uncompressedFirstFrameSwitchesCompressionOff()
     device.feed(frame(packed, XmlSeparator::ModeBigEndianSize));
     QTRY_COMPARE(spy.count(), 2);
     QCOMPARE(spy.at(1).at(0).toByteArray(), packed);
+}
+
+// Both ends start with compression on; the client's first frame goes out uncompressed from a
+// plain writer, and the server answers uncompressed from then on.
+void tst_XmlSeparator::uncompressedPeerOnRealSockets()
+{
+    QTcpServer server;
+    QVERIFY(server.listen(QHostAddress::LocalHost, 0));
+    QTcpSocket client;
+    client.connectToHost(QHostAddress::LocalHost, server.serverPort());
+    QVERIFY(client.waitForConnected(5000));
+    QVERIFY(server.waitForNewConnection(5000));
+    QTcpSocket *accepted = server.nextPendingConnection();
+
+    XmlSeparator serverEnd(accepted, XmlSeparator::ModeAutoDetect, nullptr);
+    serverEnd.setCompression(true);
+    QSignalSpy received(&serverEnd, &XmlSeparator::xmlReceived);
+    client.write(frame(Message, XmlSeparator::ModeBigEndianSize));
+    QTRY_COMPARE(received.count(), 1);
+    QCOMPARE(received.at(0).at(0).toByteArray(), Message);
+    QCOMPARE(int(serverEnd.mode()), int(XmlSeparator::ModeBigEndianSize));
+
+    QVERIFY(serverEnd.sendXml("<Reply/>"));
+    QTRY_COMPARE(client.bytesAvailable(), qint64(4 + 8));
+    QCOMPARE(client.readAll(), frame("<Reply/>", XmlSeparator::ModeBigEndianSize));
 }
 
 void tst_XmlSeparator::plainModeNeverCompresses()
