@@ -13,7 +13,6 @@ private Q_SLOTS:
     void reconnectsAfterServerRestart();
     void disconnectingReconnects();
     void unreachableServerIsRetriedWithTraceLines();
-    void notConnectedBeforeTheFirstAttempt();
     void hostAndPortFromText_data();
     void hostAndPortFromText();
     void traceLinesFollowTheirClassBits_data();
@@ -104,15 +103,6 @@ void tst_TcpServerConnector::unreachableServerIsRetriedWithTraceLines()
     QVERIFY(lines.at(3).startsWith(QStringLiteral("Error while connecting to: ")));
     // A refusal is no disconnection.
     QCOMPARE(disconnected.count(), 0);
-}
-
-void tst_TcpServerConnector::notConnectedBeforeTheFirstAttempt()
-{
-    TcpServerConnector connector(QStringLiteral("hostonly"));
-    QVERIFY(!connector.isConnected());
-    QVERIFY(connector.socket() != nullptr);
-    QCOMPARE(connector.socket()->parent(), &connector);
-    QCOMPARE(connector.socket()->state(), QAbstractSocket::UnconnectedState);
 }
 
 void tst_TcpServerConnector::hostAndPortFromText_data()
