@@ -1,0 +1,92 @@
+#pragma once
+
+#include <radiosim/platform/trace.h>
+#include <radiosim/service/simulationdevice.h>
+
+#include <QCoreApplication>
+#include <QMetaType>
+#include <QStringList>
+#include <QTcpServer>
+#include <QTcpSocket>
+#include <QtTest>
+#include <QVector>
+
+Q_DECLARE_METATYPE(Simulation::SimulationDeviceConfiguration)
+Q_DECLARE_METATYPE(Simulation::SimulationDeviceState)
+Q_DECLARE_METATYPE(QVector<Simulation::SimulationDeviceConfiguration>)
+
+// Collects the library's trace lines (message part only) while installed; other messages go
+// to the previous handler.
+class TraceCapture
+{
+public:
+    TraceCapture()
+    {
+        lines().clear();
+        s_previous = qInstallMessageHandler(&TraceCapture::handle);
+        ErrorHandler::Instance()->setTraceClasses(
+            ErrorHandler::TraceConnection | ErrorHandler::TraceCommands);
+    }
+    ~TraceCapture()
+    {
+        ErrorHandler::Instance()->setTraceClasses(0);
+        qInstallMessageHandler(s_previous);
+    }
+    static QStringList &lines()
+    {
+        static QStringList captured;
+        return captured;
+    }
+
+private:
+    static void handle(QtMsgType type, const QMessageLogContext &context, const QString &message)
+    {
+        if (qstrcmp(context.category, "radiosim.trace") == 0)
+            lines().append(message.section(QStringLiteral("): "), 1));
+        else
+            s_previous(type, context, message);
+    }
+    static inline QtMessageHandler s_previous = nullptr;
+};
+
+// Both ends of one loopback TCP connection.
+struct SocketPair
+{
+    QTcpServer server;
+    QTcpSocket client;
+    QTcpSocket *accepted = nullptr;
+
+    bool open()
+    {
+        if (!server.listen(QHostAddress::LocalHost, 0))
+            return false;
+        client.connectToHost(QHostAddress::LocalHost, server.serverPort());
+        if (!client.waitForConnected(5000) || !server.waitForNewConnection(5000))
+            return false;
+        accepted = server.nextPendingConnection();
+        return accepted != nullptr;
+    }
+};
+
+inline Simulation::SimulationDeviceConfiguration sampleDevice(const QString &id)
+{
+    Simulation::SimulationDeviceConfiguration device;
+    device.setId(id);
+    device.setName(QStringLiteral("Receiver ") + id);
+    device.setStationId(QStringLiteral("st-7"));
+    device.setStationName(QStringLiteral("Hill & Dale <north>"));
+    device.setMachine(QStringLiteral("host-a"));
+    device.setMachineId(QStringLiteral("m-42"));
+    device.setDeviceType(QStringLiteral("RX"));
+    device.setPositionLongitude(8.5);
+    device.setPositionLatitude(48.25);
+    return device;
+}
+
+inline QString flatten(const Simulation::SimulationDeviceConfiguration &d)
+{
+    return QStringList { d.id(), d.name(), d.stationId(), d.stationName(), d.machine(),
+        d.machineId(), d.deviceType(), QString::number(d.positionLongitude(), 'g', 17),
+        QString::number(d.positionLatitude(), 'g', 17) }
+        .join(QLatin1Char('|'));
+}
