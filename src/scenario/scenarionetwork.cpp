@@ -38,12 +38,7 @@ void ScenarioNetwork::copy(std::shared_ptr<ScenarioObject> source)
 
 std::shared_ptr<ScenarioObject> ScenarioNetwork::clone()
 {
-    const std::shared_ptr<ScenarioObject> self = weak_from_this().lock();
-    if (!self)
-        return nullptr;
-    auto copied = std::make_shared<ScenarioNetwork>(id());
-    copied->copy(self);
-    return copied;
+    return copiedInto(std::make_shared<ScenarioNetwork>(id()));
 }
 
 bool ScenarioNetwork::addEmitter(std::shared_ptr<SzenarioEmitter> member)

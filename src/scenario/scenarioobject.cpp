@@ -23,9 +23,7 @@ ScenarioObject::ScenarioObject(
     m_visibleOnMap = source->isVisibleOnMap();
     m_visibleOnTimeline = source->isVisibleOnTimeline();
     m_active = source->isActive();
-    assignTimetable(source);
-    const IFrequencySettings *frequency = source->frequencySettings();
-    setFrequencySettings(frequency ? frequency->clone() : nullptr);
+    copySettings(source);
 }
 
 ScenarioObject::~ScenarioObject()
@@ -95,17 +93,26 @@ void ScenarioObject::copy(std::shared_ptr<ScenarioObject> source)
     m_name = source->name();
     m_description = source->description();
     m_active = source->isActive();
-    assignTimetable(source);
-    const IFrequencySettings *frequency = source->frequencySettings();
-    setFrequencySettings(frequency ? frequency->clone() : nullptr);
+    copySettings(source);
 }
 
-void ScenarioObject::assignTimetable(const std::shared_ptr<ScenarioObject> &source)
+std::shared_ptr<ScenarioObject> ScenarioObject::copiedInto(std::shared_ptr<ScenarioObject> blank)
+{
+    const std::shared_ptr<ScenarioObject> self = weak_from_this().lock();
+    if (!self)
+        return nullptr;
+    blank->copy(self);
+    return blank;
+}
+
+void ScenarioObject::copySettings(const std::shared_ptr<ScenarioObject> &source)
 {
     // Into the own timetable, even when a network's is the effective one; the source's
     // effective timetable is the one copied.
     if (const EmissionSettings *timetable = source->emissionSettings())
         *m_emissionSettings = *timetable;
+    const IFrequencySettings *frequency = source->frequencySettings();
+    setFrequencySettings(frequency ? frequency->clone() : nullptr);
 }
 
 SzenarioEmitter::SzenarioEmitter(const QString &objectId, const QString &objectName)
@@ -159,12 +166,7 @@ void SzenarioEmitter::copy(std::shared_ptr<ScenarioObject> source)
 
 std::shared_ptr<ScenarioObject> SzenarioEmitter::clone()
 {
-    const std::shared_ptr<ScenarioObject> self = weak_from_this().lock();
-    if (!self)
-        return nullptr;
-    auto copied = std::make_shared<SzenarioEmitter>(id(), name());
-    copied->copy(self);
-    return copied;
+    return copiedInto(std::make_shared<SzenarioEmitter>(id(), name()));
 }
 
 bool SzenarioEmitter::isActiveAt(uint time) const

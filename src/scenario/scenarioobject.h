@@ -63,8 +63,13 @@ public:
     void setVisibleOnMap(bool value) { m_visibleOnMap = value; }
     void setVisibleOnTimeline(bool value) { m_visibleOnTimeline = value; }
 
+protected:
+    // `blank` after copy() from this object; null when this object is not held by a
+    // std::shared_ptr.
+    std::shared_ptr<ScenarioObject> copiedInto(std::shared_ptr<ScenarioObject> blank);
+
 private:
-    void assignTimetable(const std::shared_ptr<ScenarioObject> &source);
+    void copySettings(const std::shared_ptr<ScenarioObject> &source);
 
     QString m_id;
     QString m_name;
