@@ -1,3 +1,5 @@
+#include "scenariotesthelpers.h"
+
 #include <radiosim/packages/signalpackage.h>
 #include <radiosim/scenario/emissionsettings.h>
 #include <radiosim/scenario/scenarioobject.h>
@@ -37,32 +39,12 @@ namespace {
 
 using EmissionPointer = boost::shared_ptr<EmissionSettings::Emission>;
 
-EmissionPointer addEntry(EmissionSettings &settings, qint64 start, qint64 duration,
-    std::shared_ptr<SzenarioEmitter> emitter = nullptr)
-{
-    auto emission = settings.createEmission();
-    emission->start = start;
-    emission->duration = duration;
-    emission->emitter = emitter;
-    settings.addEmission(emission);
-    return emission;
-}
-
 void fill(EmissionSettings &settings, const Table &table, qint64 period, bool broadcast)
 {
     settings.setBroadcast(broadcast);
     settings.setDuration(period);
     for (const auto &entry : table)
-        addEntry(settings, entry.first, entry.second);
-}
-
-// "begin+length" per record, so one comparison checks a whole list.
-QStringList spans(const QList<HRActivity> &records)
-{
-    QStringList result;
-    for (const auto &record : records)
-        result << QStringLiteral("%1+%2").arg(record.start).arg(record.duration);
-    return result;
+        addEntry(&settings, entry.first, entry.second);
 }
 
 } // namespace
@@ -153,17 +135,17 @@ void tst_EmissionSettings::emissionAtCoversFromJustBehindStartToEnd()
 void tst_EmissionSettings::equalStartsComeOutNewestFirst()
 {
     EmissionSettings settings;
-    const auto late = addEntry(settings, 300, 10);
-    const auto first = addEntry(settings, 100, 10);
-    const auto second = addEntry(settings, 100, 20);
+    const auto late = addEntry(&settings, 300, 10);
+    const auto first = addEntry(&settings, 100, 10);
+    const auto second = addEntry(&settings, 100, 20);
     QCOMPARE(settings.emissions(), (QList<EmissionPointer> { second, first, late }));
 }
 
 void tst_EmissionSettings::updateEmissionResorts()
 {
     EmissionSettings settings;
-    const auto a = addEntry(settings, 100, 10);
-    const auto b = addEntry(settings, 200, 10);
+    const auto a = addEntry(&settings, 100, 10);
+    const auto b = addEntry(&settings, 200, 10);
     a->start = 500;
     settings.updateEmission(a);
     QCOMPARE(settings.emissions(), (QList<EmissionPointer> { b, a }));
@@ -173,7 +155,7 @@ void tst_EmissionSettings::updateEmissionResorts()
 void tst_EmissionSettings::setDuration()
 {
     EmissionSettings settings;
-    const auto entry = addEntry(settings, 0, 700);
+    const auto entry = addEntry(&settings, 0, 700);
     settings.setDuration(5000);
     QCOMPARE(settings.duration(), qint64(5000));
     QCOMPARE(entry->duration, qint64(700));
@@ -194,8 +176,8 @@ void tst_EmissionSettings::makeContinousActiveKeepsThePackage()
     const auto package = std::make_shared<SignalPackage>();
     EmissionSettings settings;
     settings.setDuration(600000);
-    addEntry(settings, 50, 10)->signalPackage = package;
-    addEntry(settings, 80, 10);
+    addEntry(&settings, 50, 10)->signalPackage = package;
+    addEntry(&settings, 80, 10);
     settings.addGroup(settings.createGroup());
 
     settings.makeContinousActive(emitter, nullptr);
@@ -218,8 +200,8 @@ void tst_EmissionSettings::makeContinousActiveKeepsThePackage()
 void tst_EmissionSettings::removalCascadesThroughEmptyGroups()
 {
     EmissionSettings settings;
-    const auto entry = addEntry(settings, 10, 10);
-    const auto other = addEntry(settings, 30, 10);
+    const auto entry = addEntry(&settings, 10, 10);
+    const auto other = addEntry(&settings, 30, 10);
     const auto inner = settings.createGroup();
     const auto outer = settings.createGroup();
     const auto unrelated = settings.createGroup();
@@ -238,7 +220,7 @@ void tst_EmissionSettings::removalCascadesThroughEmptyGroups()
 void tst_EmissionSettings::removeGroupKeepsItsEntries()
 {
     EmissionSettings settings;
-    const auto entry = addEntry(settings, 10, 10);
+    const auto entry = addEntry(&settings, 10, 10);
     const auto group = settings.createGroup();
     const auto parent = settings.createGroup();
     group->members << entry;
@@ -256,9 +238,9 @@ void tst_EmissionSettings::removeEmissionsOfOneEmitter()
     const auto a = std::make_shared<SzenarioEmitter>(QStringLiteral("A"), QString());
     const auto b = std::make_shared<SzenarioEmitter>(QStringLiteral("B"), QString());
     EmissionSettings settings;
-    addEntry(settings, 0, 10, a);
-    const auto kept = addEntry(settings, 20, 10, b);
-    addEntry(settings, 40, 10, a);
+    addEntry(&settings, 0, 10, a);
+    const auto kept = addEntry(&settings, 20, 10, b);
+    addEntry(&settings, 40, 10, a);
     settings.removeEmissions(a);
     QCOMPARE(settings.emissions(), (QList<EmissionPointer> { kept }));
 }
@@ -270,8 +252,8 @@ void tst_EmissionSettings::replaceEmitterAndPackage()
     const auto p = std::make_shared<SignalPackage>();
     const auto q = std::make_shared<SignalPackage>();
     EmissionSettings settings;
-    const auto first = addEntry(settings, 0, 10, a);
-    const auto second = addEntry(settings, 20, 10, b);
+    const auto first = addEntry(&settings, 0, 10, a);
+    const auto second = addEntry(&settings, 20, 10, b);
     first->signalPackage = p;
     settings.replaceEmitter(a, b);
     settings.replaceSignalPackage(p, q);
@@ -287,8 +269,8 @@ void tst_EmissionSettings::assignmentCopiesTheGraphDeeply()
     EmissionSettings source;
     source.setDuration(1000);
     source.setBroadcast(true);
-    const auto late = addEntry(source, 500, 10, emitter);
-    const auto early = addEntry(source, 100, 10, emitter);
+    const auto late = addEntry(&source, 500, 10, emitter);
+    const auto early = addEntry(&source, 100, 10, emitter);
     late->id = 7;
     const auto parent = source.createGroup();
     const auto child = source.createGroup();
@@ -302,7 +284,7 @@ void tst_EmissionSettings::assignmentCopiesTheGraphDeeply()
     source.addGroup(child);
 
     EmissionSettings copy;
-    addEntry(copy, 1, 1);
+    addEntry(&copy, 1, 1);
     copy = source;
     QCOMPARE(copy.duration(), qint64(1000));
     QVERIFY(copy.isBroadcast());
@@ -334,7 +316,7 @@ void tst_EmissionSettings::assignmentCopiesTheGraphDeeply()
 void tst_EmissionSettings::copyConstructorShares()
 {
     EmissionSettings source;
-    const auto entry = addEntry(source, 10, 10);
+    const auto entry = addEntry(&source, 10, 10);
     const EmissionSettings shared(source);
     QCOMPARE(shared.emissions().first(), entry);
 }
@@ -342,7 +324,7 @@ void tst_EmissionSettings::copyConstructorShares()
 void tst_EmissionSettings::selfAssignmentKeepsTheTable()
 {
     EmissionSettings settings;
-    addEntry(settings, 10, 10);
+    addEntry(&settings, 10, 10);
     settings.addGroup(settings.createGroup());
     EmissionSettings &alias = settings;
     settings = alias;
@@ -403,9 +385,9 @@ void tst_EmissionSettings::hrActivitiesFilterByEmitter()
     const auto b = std::make_shared<SzenarioEmitter>(QStringLiteral("B"), QString());
     EmissionSettings settings;
     settings.setDuration(300);
-    addEntry(settings, 0, 100, a);
-    addEntry(settings, 100, 100, b);
-    addEntry(settings, 200, 100, a);
+    addEntry(&settings, 0, 100, a);
+    addEntry(&settings, 100, 100, b);
+    addEntry(&settings, 200, 100, a);
     QCOMPARE(spans(settings.calculateHRActivities(a.get(), 50, 400)),
         (QStringList { "0+100", "200+100", "300+100" }));
     QCOMPARE(spans(settings.calculateHRActivities(b.get(), 50, 400)),
@@ -422,8 +404,8 @@ void tst_EmissionSettings::queriesOnTwoTimetablesInParallel()
     even.setDuration(20000);
     odd.setDuration(20000);
     for (qint64 start = 0; start < 20000; start += 20) {
-        addEntry(even, start, 9);
-        addEntry(odd, start + 10, 9);
+        addEntry(&even, start, 9);
+        addEntry(&odd, start + 10, 9);
     }
     std::atomic<int> wrong { 0 };
     auto probe = [&wrong](const EmissionSettings *table, bool evenTable) {
@@ -449,7 +431,7 @@ void tst_EmissionSettings::emissionAtDoesNotAllocate()
     EmissionSettings settings;
     settings.setDuration(100000);
     for (qint64 start = 0; start < 100000; start += 100)
-        addEntry(settings, start, 50);
+        addEntry(&settings, start, 50);
     const long beforeCreate = allocations.load();
     settings.createEmission();
     QVERIFY2(allocations.load() > beforeCreate, "the counter must see the library's allocations");

@@ -1,3 +1,5 @@
+#include "scenariotesthelpers.h"
+
 #include <radiosim/scenario/cast.h>
 #include <radiosim/scenario/emissionsettings.h>
 #include <radiosim/scenario/scenarionetwork.h>
@@ -8,21 +10,6 @@
 using namespace Simulation;
 
 namespace {
-
-std::shared_ptr<SzenarioEmitter> makeEmitter(const QString &id)
-{
-    return std::make_shared<SzenarioEmitter>(id, id);
-}
-
-void addEntry(EmissionSettings *settings, qint64 start, qint64 duration,
-    std::shared_ptr<SzenarioEmitter> emitter)
-{
-    auto emission = settings->createEmission();
-    emission->start = start;
-    emission->duration = duration;
-    emission->emitter = emitter;
-    settings->addEmission(emission);
-}
 
 void join(
     const std::shared_ptr<ScenarioNetwork> &network, const std::shared_ptr<SzenarioEmitter> &member)

@@ -1,4 +1,4 @@
-#include "limitedsettings.h"
+#include "scenariotesthelpers.h"
 
 #include <radiosim/packages/signalpackage.h>
 #include <radiosim/scenario/cast.h>
@@ -13,22 +13,6 @@
 using namespace Simulation;
 
 namespace {
-
-std::shared_ptr<SzenarioEmitter> makeEmitter(const QString &id)
-{
-    return std::make_shared<SzenarioEmitter>(id, id + QStringLiteral(" name"));
-}
-
-void addEntry(EmissionSettings *settings, qint64 start, qint64 duration,
-    std::shared_ptr<SzenarioEmitter> emitter, std::shared_ptr<SignalPackage> package = nullptr)
-{
-    auto emission = settings->createEmission();
-    emission->start = start;
-    emission->duration = duration;
-    emission->emitter = emitter;
-    emission->signalPackage = package;
-    settings->addEmission(emission);
-}
 
 void link(
     const std::shared_ptr<SzenarioEmitter> &emitter, const std::shared_ptr<SzenarioEmitter> &target)
