@@ -57,17 +57,14 @@ EmissionSettings &EmissionSettings::operator=(const EmissionSettings &other)
         addEmission(copy);
         newEmissions.insert(emission.get(), copy);
     }
-    // Members outside the other table have no counterpart and are left out.
+    // Orphan subgroups and members outside the other table have no counterpart: they come
+    // over as null pointers, so a group keeps its count of members.
     for (const auto &group : other.m_groups) {
         const auto &copy = newGroups.value(group.get());
-        for (const auto &subGroup : group->subGroups) {
-            if (auto mapped = newGroups.value(subGroup.get()))
-                copy->subGroups.append(mapped);
-        }
-        for (const auto &member : group->members) {
-            if (auto mapped = newEmissions.value(member.get()))
-                copy->members.append(mapped);
-        }
+        for (const auto &subGroup : group->subGroups)
+            copy->subGroups.append(newGroups.value(subGroup.get()));
+        for (const auto &member : group->members)
+            copy->members.append(newEmissions.value(member.get()));
     }
     return *this;
 }

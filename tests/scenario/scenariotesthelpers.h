@@ -1,6 +1,7 @@
 #pragma once
 
 #include <radiosim/scenario/emissionsettings.h>
+#include <radiosim/scenario/scenarionetwork.h>
 #include <radiosim/scenario/scenarioobject.h>
 #include <radiosim/units/settings.h>
 
@@ -62,6 +63,14 @@ public:
 inline std::shared_ptr<Simulation::SzenarioEmitter> makeEmitter(const QString &id)
 {
     return std::make_shared<Simulation::SzenarioEmitter>(id, id);
+}
+
+// Both sides of a membership, as the document reader sets them.
+inline void join(const std::shared_ptr<Simulation::ScenarioNetwork> &network,
+    const std::shared_ptr<Simulation::SzenarioEmitter> &member)
+{
+    network->addEmitter(member);
+    member->setScenarioNetwork(network);
 }
 
 inline boost::shared_ptr<Simulation::EmissionSettings::Emission> addEntry(

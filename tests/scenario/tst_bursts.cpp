@@ -112,10 +112,8 @@ void tst_Bursts::networkListsOnlyTheMembersEntries()
     network->frequencySettings()->setCenterFrequency(30e6);
     const auto a = makeEmitter(QStringLiteral("A"));
     const auto b = makeEmitter(QStringLiteral("B"));
-    for (const auto &member : { a, b }) {
-        network->addEmitter(member);
-        member->setScenarioNetwork(network);
-    }
+    join(network, a);
+    join(network, b);
     EmissionSettings *timetable = network->emissionSettings();
     timetable->setDuration(1000);
     addEntry(timetable, 0, 100, a);
@@ -134,10 +132,8 @@ void tst_Bursts::broadcastNetworkPutsEveryMemberOnAir()
     const auto network = std::make_shared<ScenarioNetwork>(QStringLiteral("N"));
     const auto a = makeEmitter(QStringLiteral("A"));
     const auto b = makeEmitter(QStringLiteral("B"));
-    for (const auto &member : { a, b }) {
-        network->addEmitter(member);
-        member->setScenarioNetwork(network);
-    }
+    join(network, a);
+    join(network, b);
     network->emissionSettings()->setDuration(1000);
     network->emissionSettings()->setBroadcast(true);
     network->emissionSettings()->makeContinousActive(a, nullptr);

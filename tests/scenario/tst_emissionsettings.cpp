@@ -311,6 +311,12 @@ void tst_EmissionSettings::assignmentCopiesTheGraphDeeply()
 
     copiedLate->start = 50;
     QCOMPARE(late->start, qint64(500));
+
+    // A subgroup that never joined the table has no counterpart.
+    parent->subGroups << source.createGroup();
+    copy = source;
+    QCOMPARE(copy.groups().at(0)->subGroups.size(), 2);
+    QVERIFY(!copy.groups().at(0)->subGroups.at(1));
 }
 
 void tst_EmissionSettings::copyConstructorShares()

@@ -9,17 +9,6 @@
 
 using namespace Simulation;
 
-namespace {
-
-void join(
-    const std::shared_ptr<ScenarioNetwork> &network, const std::shared_ptr<SzenarioEmitter> &member)
-{
-    network->addEmitter(member);
-    member->setScenarioNetwork(network);
-}
-
-} // namespace
-
 class tst_ScenarioNetwork : public QObject
 {
     Q_OBJECT

@@ -132,8 +132,7 @@ void tst_ScenarioObject::isActiveAt()
         addEntry(table, 300, 100, other);
     }
     if (inNetwork) {
-        network->addEmitter(emitter);
-        emitter->setScenarioNetwork(network);
+        join(network, emitter);
     }
     QCOMPARE(emitter->isActiveAt(time), active);
     releaseScenario({ emitter, other, network });
@@ -394,10 +393,8 @@ void tst_ScenarioObject::releasedScenarioDies()
         const auto c = makeEmitter(QStringLiteral("C"));
         const auto d = std::make_shared<ElintScenarioEmitter>(QStringLiteral("D"), QString());
         const auto network = std::make_shared<ScenarioNetwork>(QStringLiteral("N"));
-        for (const auto &member : { a, b }) {
-            network->addEmitter(member);
-            member->setScenarioNetwork(network);
-        }
+        join(network, a);
+        join(network, b);
         network->setHeadEmitter(c);
         addEntry(network->emissionSettings(), 0, 100, a);
         addEntry(network->emissionSettings(), 100, 100, b);

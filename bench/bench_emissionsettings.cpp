@@ -1,0 +1,101 @@
+#include <radiosim/scenario/emissionsettings.h>
+
+#include <benchmark/benchmark.h>
+
+#include <algorithm>
+#include <atomic>
+#include <cstdlib>
+#include <new>
+#include <random>
+#include <vector>
+
+// Counts every allocation of the process, so that a lookup that allocates shows up.
+static std::atomic<long> allocations { 0 };
+
+void *operator new(std::size_t size)
+{
+    ++allocations;
+    if (void *memory = std::malloc(size ? size : 1))
+        return memory;
+    throw std::bad_alloc();
+}
+
+void operator delete(void *memory) noexcept
+{
+    std::free(memory);
+}
+
+void operator delete(void *memory, std::size_t) noexcept
+{
+    std::free(memory);
+}
+
+namespace {
+
+constexpr int Entries = 10000;
+constexpr int Queries = 4096;
+
+// A timetable of 10,000 entries with random gaps and lengths, and query times over two
+// periods, so that the wrap is part of every lookup.
+struct Fixture
+{
+    Simulation::EmissionSettings settings;
+    std::vector<qint64> starts;
+    std::vector<uint> times;
+    qint64 period = 0;
+
+    Fixture()
+    {
+        std::mt19937 random(20240611);
+        std::uniform_int_distribution<int> gap(1, 400);
+        std::uniform_int_distribution<int> length(1, 300);
+        qint64 start = 0;
+        for (int i = 0; i < Entries; ++i) {
+            start += gap(random);
+            auto emission = settings.createEmission();
+            emission->start = start;
+            emission->duration = length(random);
+            settings.addEmission(emission);
+            starts.push_back(start);
+        }
+        period = start + 1000;
+        settings.setDuration(period);
+        std::uniform_int_distribution<uint> when(0, uint(2 * period));
+        for (int i = 0; i < Queries; ++i)
+            times.push_back(when(random));
+    }
+};
+
+const Fixture &fixture()
+{
+    static const Fixture instance;
+    return instance;
+}
+
+// Bare sorted search over the same start times, with the same reduction into the period.
+void BM_LowerBoundBaseline(benchmark::State &state)
+{
+    const Fixture &data = fixture();
+    size_t i = 0;
+    for (auto _ : state) {
+        const qint64 key = data.times[i++ % Queries] % data.period;
+        benchmark::DoNotOptimize(std::lower_bound(data.starts.begin(), data.starts.end(), key));
+    }
+}
+BENCHMARK(BM_LowerBoundBaseline)->Repetitions(10)->ReportAggregatesOnly(true);
+
+void BM_EmissionAt(benchmark::State &state)
+{
+    const Fixture &data = fixture();
+    size_t i = 0;
+    const long before = allocations.load();
+    for (auto _ : state)
+        benchmark::DoNotOptimize(data.settings.emissionAt(data.times[i++ % Queries]));
+    state.counters["allocs/query"] = benchmark::Counter(
+        double(allocations.load() - before), benchmark::Counter::kAvgIterations);
+}
+BENCHMARK(BM_EmissionAt)->Repetitions(10)->ReportAggregatesOnly(true);
+
+} // namespace
+
+BENCHMARK_MAIN();
