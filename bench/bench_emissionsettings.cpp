@@ -1,34 +1,12 @@
+#include "../tests/allocationcounter.h"
+
 #include <radiosim/scenario/emissionsettings.h>
 
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
-#include <atomic>
-#include <cstdlib>
-#include <new>
 #include <random>
 #include <vector>
-
-// Counts every allocation of the process, so that a lookup that allocates shows up.
-static std::atomic<long> allocations { 0 };
-
-void *operator new(std::size_t size)
-{
-    ++allocations;
-    if (void *memory = std::malloc(size ? size : 1))
-        return memory;
-    throw std::bad_alloc();
-}
-
-void operator delete(void *memory) noexcept
-{
-    std::free(memory);
-}
-
-void operator delete(void *memory, std::size_t) noexcept
-{
-    std::free(memory);
-}
 
 namespace {
 

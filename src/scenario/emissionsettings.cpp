@@ -4,6 +4,8 @@
 
 #include <QHash>
 
+#include <boost/make_shared.hpp>
+
 #include <algorithm>
 #include <limits>
 
@@ -71,12 +73,14 @@ EmissionSettings &EmissionSettings::operator=(const EmissionSettings &other)
 
 boost::shared_ptr<EmissionSettings::Emission> EmissionSettings::createEmission() const
 {
-    return boost::shared_ptr<Emission>(new Emission);
+    // Count and entry in one block: the reference taken by a lookup touches the line that
+    // the lookup has just read.
+    return boost::make_shared<Emission>();
 }
 
 boost::shared_ptr<EmissionSettings::Group> EmissionSettings::createGroup() const
 {
-    return boost::shared_ptr<Group>(new Group);
+    return boost::make_shared<Group>();
 }
 
 void EmissionSettings::addEmission(boost::shared_ptr<Emission> emission)

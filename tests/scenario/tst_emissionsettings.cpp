@@ -1,3 +1,4 @@
+#include "../allocationcounter.h"
 #include "scenariotesthelpers.h"
 
 #include <radiosim/packages/signalpackage.h>
@@ -6,31 +7,7 @@
 
 #include <QtTest>
 
-#include <atomic>
-#include <cstdlib>
-#include <new>
 #include <thread>
-
-// Counts every allocation of the process, the library's included.
-static std::atomic<long> allocations { 0 };
-
-void *operator new(std::size_t size)
-{
-    ++allocations;
-    if (void *memory = std::malloc(size ? size : 1))
-        return memory;
-    throw std::bad_alloc();
-}
-
-void operator delete(void *memory) noexcept
-{
-    std::free(memory);
-}
-
-void operator delete(void *memory, std::size_t) noexcept
-{
-    std::free(memory);
-}
 
 using namespace Simulation;
 using Table = QVector<QPair<qint64, qint64>>;
