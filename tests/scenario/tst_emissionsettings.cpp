@@ -294,6 +294,11 @@ void tst_EmissionSettings::assignmentCopiesTheGraphDeeply()
     copy = source;
     QCOMPARE(copy.groups().at(0)->subGroups.size(), 2);
     QVERIFY(!copy.groups().at(0)->subGroups.at(1));
+
+    // The parent and group pointers set above form cycles with the lists.
+    child->parent.reset();
+    late->group.reset();
+    copiedLate->group.reset();
 }
 
 void tst_EmissionSettings::copyConstructorShares()
