@@ -10,7 +10,6 @@ class tst_SignalPackage : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void defaults();
     void cleanId_data();
     void cleanId();
     void cleanIdIsReentrant();
@@ -18,20 +17,6 @@ private Q_SLOTS:
     void digitalModulationCountsOnlyWithDigital_data();
     void digitalModulationCountsOnlyWithDigital();
 };
-
-void tst_SignalPackage::defaults()
-{
-    const SignalPackage package;
-    QVERIFY(package.id().isEmpty());
-    QVERIFY(package.updateIds().isEmpty());
-    QCOMPARE(package.timestamp(), 0u);
-    QCOMPARE(package.signalBandwidth(), 0.0f);
-    QCOMPARE(package.analogModulation(), ModulationNone);
-    QCOMPARE(package.duration(), 0u);
-    QVERIFY(!package.hasAudioContent());
-    QVERIFY(!package.hasSymbolDataContent());
-    QVERIFY(!package.hasResultDataContent());
-}
 
 void tst_SignalPackage::cleanId_data()
 {
