@@ -41,8 +41,7 @@ EmissionSettings &EmissionSettings::operator=(const EmissionSettings &other)
 {
     if (this == &other)
         return *this;
-    m_groups.clear();
-    m_emissions.clear();
+    clearAll();
     m_broadcast = other.m_broadcast;
     m_duration = other.m_duration;
 
@@ -89,11 +88,12 @@ void EmissionSettings::addEmission(boost::shared_ptr<Emission> emission)
         return;
     const int index = int(lowerBound(m_emissions, emission->start) - m_emissions.cbegin());
     m_emissions.insert(index, emission);
+    m_sortKeys.insert(index, { emission->start, emission.get() });
 }
 
 void EmissionSettings::updateEmission(boost::shared_ptr<Emission> emission)
 {
-    m_emissions.removeAll(emission);
+    removeEntry(emission);
     addEmission(emission);
 }
 
@@ -104,7 +104,7 @@ void EmissionSettings::addGroup(boost::shared_ptr<Group> group)
 
 void EmissionSettings::removeEmission(boost::shared_ptr<Emission> emission)
 {
-    m_emissions.removeAll(emission);
+    removeEntry(emission);
     for (const auto &group : qAsConst(m_groups))
         group->members.removeAll(emission);
     clearEmptyGroups();
@@ -152,6 +152,33 @@ void EmissionSettings::clearAll()
 {
     m_groups.clear();
     m_emissions.clear();
+    m_sortKeys.clear();
+}
+
+void EmissionSettings::removeEntry(const boost::shared_ptr<Emission> &emission)
+{
+    for (int i = m_emissions.size() - 1; i >= 0; --i) {
+        if (m_emissions.at(i) == emission) {
+            m_emissions.removeAt(i);
+            m_sortKeys.remove(i);
+        }
+    }
+}
+
+int EmissionSettings::firstStartNotLess(qint64 key) const
+{
+    const auto found = std::lower_bound(m_sortKeys.cbegin(), m_sortKeys.cend(), key,
+        [](const SortKey &sortKey, qint64 value) { return sortKey.start < value; });
+    const int index = int(found - m_sortKeys.cbegin());
+    // A key is stale when its entry's start was changed in place. While both neighbours still
+    // agree with their entries, a sorted table has its lower bound at the same index.
+    auto agrees = [this](int i) {
+        const SortKey &sortKey = m_sortKeys.at(i);
+        return sortKey.entry->start == sortKey.start;
+    };
+    if ((index == 0 || agrees(index - 1)) && (index == m_sortKeys.size() || agrees(index)))
+        return index;
+    return int(lowerBound(m_emissions, key) - m_emissions.cbegin());
 }
 
 void EmissionSettings::replaceEmitter(
@@ -202,12 +229,12 @@ boost::shared_ptr<EmissionSettings::Emission> EmissionSettings::emissionAt(uint 
     qint64 key = time;
     if (m_duration > 0)
         key %= m_duration;
-    const auto found = lowerBound(m_emissions, key);
-    if (found == m_emissions.cbegin())
+    const int index = firstStartNotLess(key);
+    if (index == 0)
         return {};
-    const EmissionPointer &before = *(found - 1);
+    const Emission *before = m_sortKeys.at(index - 1).entry;
     if (wrappingSum(before->start, before->duration) >= key)
-        return before;
+        return m_emissions.at(index - 1);
     return {};
 }
 
@@ -252,7 +279,7 @@ QList<HRActivity> EmissionSettings::calculateHRActivities(
     }
     const qint64 end = uint(start + length);
     qint64 base = start - start % m_duration;
-    auto entry = lowerBound(m_emissions, start - base);
+    auto entry = m_emissions.cbegin() + firstStartNotLess(start - base);
     // The entry before may still run into the window; one of the previous period is lost.
     if (entry != m_emissions.cbegin())
         --entry;

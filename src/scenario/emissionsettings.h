@@ -5,6 +5,7 @@
 
 #include <QList>
 #include <QString>
+#include <QVector>
 
 #include <boost/shared_ptr.hpp>
 
@@ -105,7 +106,18 @@ public:
         const SzenarioEmitter *emitter, uint start, uint length) const;
 
 private:
+    // An entry's start when it was sorted in, beside the entry itself, index for index with
+    // `m_emissions`: lookups search these compact keys instead of following pointers per step.
+    struct SortKey
+    {
+        qint64 start = 0;
+        const Emission *entry = nullptr;
+    };
+
     void detachGroup(const boost::shared_ptr<Group> &group);
+    void removeEntry(const boost::shared_ptr<Emission> &emission);
+    // The lower bound of `key` among the starts, without an allocation.
+    int firstStartNotLess(qint64 key) const;
 
     QList<boost::shared_ptr<Emission>> m_emissions;
     QList<boost::shared_ptr<Group>> m_groups;
@@ -113,6 +125,7 @@ private:
     qint64 m_duration = 9223372036854775807LL;
     // The table stands for continuous emission.
     bool m_broadcast = false;
+    QVector<SortKey> m_sortKeys;
 };
 
 } // namespace Simulation

@@ -34,6 +34,7 @@ private Q_SLOTS:
     void emissionAtCoversFromJustBehindStartToEnd_data();
     void emissionAtCoversFromJustBehindStartToEnd();
     void tableStaysSortedByStart();
+    void startChangedInPlaceIsFollowed();
     void setDuration();
     void makeContinousActiveKeepsThePackage();
     void removalCascadesThroughEmptyGroupsOnly();
@@ -115,6 +116,20 @@ void tst_EmissionSettings::tableStaysSortedByStart()
     settings.updateEmission(late);
     QCOMPARE(settings.emissions(), (QList<EmissionPointer> { late, second, first }));
     QCOMPARE(settings.emissionAt(55), late);
+}
+
+void tst_EmissionSettings::startChangedInPlaceIsFollowed()
+{
+    // An editor that moves an entry within its neighbours need not re-sort it.
+    EmissionSettings settings;
+    settings.setDuration(1000);
+    const auto moved = addEntry(&settings, 100, 50);
+    addEntry(&settings, 300, 50);
+    moved->start = 120;
+    QVERIFY(!settings.emissionAt(110));
+    QCOMPARE(settings.emissionAt(121), moved);
+    QCOMPARE(settings.timeActiveAt(170), qint64(50));
+    QCOMPARE(spans(settings.calculateHRActivities(nullptr, 0, 200)), QStringList { "120+50" });
 }
 
 void tst_EmissionSettings::setDuration()
