@@ -117,15 +117,16 @@ public:
     IPositionSettings *getPositionSettings() const;
     // The own settings, ignoring any link.
     IPositionSettings *positionSettings() const { return m_positionSettings; }
-    // Takes ownership and deletes the former object.
+    // Takes ownership and deletes the former object; the same pointer again is a no-op.
     void setPositionSettings(IPositionSettings *settings);
     TPos getPositionAt(uint time) const;
     double headingAt(uint time) const;
     double getFrequencyAt(uint time) const;
     std::shared_ptr<SignalPackage> signalPackageAt(uint time) const;
     qint64 timeActiveAt(uint time) const;
-    // Constant-frequency stretches on air in [start, start + length), ms; the resolution in
-    // Hz only matters to chirps. Does not look at isActive().
+    // Constant-frequency stretches on air in [start, start + length), ms, cut at the end of
+    // the effective settings; the resolution in Hz only matters to chirps. Neighbouring
+    // records are not joined. Does not look at isActive().
     QList<HRActivity> calculateBursts(uint start, uint length, double resolution) const;
     std::shared_ptr<ScenarioNetwork> network() const { return m_network; }
     // Only stores; the network's member list is the caller's to keep.
@@ -136,7 +137,8 @@ public:
     // A link to the emitter itself is ignored.
     void setLinkTargetEmitter(std::shared_ptr<SzenarioEmitter> target);
     // The whole link tree that holds this emitter, itself included; relies on both
-    // directions of each link agreeing.
+    // directions of each link agreeing. Empty for a link cycle, and for an emitter without
+    // links that is not held by a std::shared_ptr.
     QSet<std::shared_ptr<SzenarioEmitter>> affectedLinkedEmitter();
 
 private:
