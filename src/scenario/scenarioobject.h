@@ -137,8 +137,8 @@ public:
     // A link to the emitter itself is ignored.
     void setLinkTargetEmitter(std::shared_ptr<SzenarioEmitter> target);
     // The whole link tree that holds this emitter, itself included; relies on both
-    // directions of each link agreeing. Empty for a link cycle, and for an emitter without
-    // links that is not held by a std::shared_ptr.
+    // directions of each link agreeing. Empty for a link cycle, and when this emitter heads
+    // the tree but is not held by a std::shared_ptr.
     QSet<std::shared_ptr<SzenarioEmitter>> affectedLinkedEmitter();
 
 private:
