@@ -1,0 +1,7 @@
+#include "signalpackageprovider.h"
+
+namespace Simulation {
+
+ISignalPackageProvider::~ISignalPackageProvider() = default;
+
+} // namespace Simulation
