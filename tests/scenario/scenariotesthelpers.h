@@ -1,64 +1,50 @@
 #pragma once
 
 #include <radiosim/scenario/emissionsettings.h>
+#include <radiosim/scenario/frequencysettings.h>
+#include <radiosim/scenario/positionsettings.h>
 #include <radiosim/scenario/scenarionetwork.h>
 #include <radiosim/scenario/scenarioobject.h>
 #include <radiosim/units/settings.h>
 
 #include <QStringList>
 
-// Fixed behaviours that end at a given time, standing in for hoppers and routes with an
-// INACTIVE end.
-class LimitedFrequency : public Simulation::FrequencySettingsFixed
+// A slow hopper of one 25 MHz step that ends (INACTIVE) at `end`; a fixed 25 MHz for NoEnd.
+inline Simulation::IFrequencySettings *frequencyEndingAt(uint end)
 {
-public:
-    explicit LimitedFrequency(uint endTime)
-        : end(endTime)
-    {
-    }
-    bool isActiveAt(uint time) const override { return time <= end; }
-    uint activeUntil() const override { return end; }
-    IFrequencySettings *clone() const override { return new LimitedFrequency(*this); }
+    if (end == Simulation::NoEnd)
+        return new Simulation::FrequencySettingsFixed;
+    auto *hopper = new Simulation::FrequencySettings_SlowHopper;
+    hopper->setFrequencySteps({ { 25e6, end } });
+    hopper->setEndBehavior(Simulation::EndInactive);
+    return hopper;
+}
 
-private:
-    uint end;
-};
-
-class LimitedPosition : public Simulation::PositionSettingsFixed
+// A route that ends (INACTIVE) at `end`: one leg of about 11 ms, the rest dwelling at its
+// start; a fixed point for NoEnd.
+inline Simulation::IPositionSettings *positionEndingAt(uint end)
 {
-public:
-    LimitedPosition(const Simulation::TPos &where, uint endTime)
-        : PositionSettingsFixed(where)
-        , end(endTime)
-    {
-    }
-    bool isActiveAt(uint time) const override { return time <= end; }
-    uint activeUntil() const override { return end; }
-    IPositionSettings *clone() override { return new LimitedPosition(*this); }
+    if (end == Simulation::NoEnd)
+        return new Simulation::PositionSettingsFixed({});
+    auto *route = new Simulation::PositionSettingsPtp({ 11.0, 48.0 }, 0.000001);
+    route->setEndBehavior(Simulation::EndInactive);
+    Simulation::MovementPoint first = route->getPoint(0);
+    first.dwellTime = end - route->activeUntil();
+    route->setPoint(0, first);
+    return route;
+}
 
-private:
-    uint end;
-};
-
-// Hops every 100 ms on the 100 ms grid, hop k on k + 1 MHz; the pieces are
-// clipped to the window, as a hopper's are.
-class SteppedFrequency : public Simulation::FrequencySettingsFixed
+// Ten steps of 100 ms on 1 to 10 MHz, repeating: step k covers [100k, 100k + 100).
+inline Simulation::IFrequencySettings *tenStepHopper()
 {
-public:
-    QList<Simulation::HRActivity> calculateHRActivities(
-        uint start, uint length, double) const override
-    {
-        QList<Simulation::HRActivity> pieces;
-        const quint64 end = quint64(start) + length;
-        for (quint64 begin = start; begin < end;) {
-            const quint64 hopEnd = std::min(end, (begin / 100 + 1) * 100);
-            pieces.append({ begin, hopEnd - begin, 1e6 * double(begin / 100 + 1) });
-            begin = hopEnd;
-        }
-        return pieces;
-    }
-    IFrequencySettings *clone() const override { return new SteppedFrequency(*this); }
-};
+    auto *hopper = new Simulation::FrequencySettings_SlowHopper;
+    QList<Simulation::FrequencyStep> steps;
+    for (int k = 0; k < 10; ++k)
+        steps.append({ 1e6 * (k + 1), 100 });
+    hopper->setFrequencySteps(steps);
+    hopper->setEndBehavior(Simulation::EndRestart);
+    return hopper;
+}
 
 inline std::shared_ptr<Simulation::SzenarioEmitter> makeEmitter(const QString &id)
 {

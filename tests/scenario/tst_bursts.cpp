@@ -81,8 +81,8 @@ void tst_Bursts::ownTimetable()
     QFETCH(QStringList, expected);
 
     const auto emitter = makeEmitter(QStringLiteral("E"));
-    emitter->setFrequencySettings(new LimitedFrequency(frequencyEnd));
-    emitter->setPositionSettings(new LimitedPosition({}, positionEnd));
+    emitter->setFrequencySettings(frequencyEndingAt(frequencyEnd));
+    emitter->setPositionSettings(positionEndingAt(positionEnd));
     EmissionSettings *timetable = emitter->emissionSettings();
     timetable->setBroadcast(broadcast);
     timetable->setDuration(period);
@@ -146,7 +146,7 @@ void tst_Bursts::broadcastNetworkPutsEveryMemberOnAir()
 void tst_Bursts::linkTargetPositionLimitsTheWindow()
 {
     const auto target = makeEmitter(QStringLiteral("T"));
-    target->setPositionSettings(new LimitedPosition({}, 300));
+    target->setPositionSettings(positionEndingAt(300));
     const auto emitter = makeEmitter(QStringLiteral("E"));
     emitter->setLinkTargetEmitter(target);
     target->addLinkedEmitter(emitter);
@@ -185,7 +185,7 @@ void tst_Bursts::frequencyPiecesIntersectTheTimetable()
     QFETCH(QStringList, expected);
 
     const auto emitter = makeEmitter(QStringLiteral("E"));
-    emitter->setFrequencySettings(new SteppedFrequency);
+    emitter->setFrequencySettings(tenStepHopper());
     emitter->emissionSettings()->setDuration(100000);
     for (const auto &entry : table)
         addEntry(emitter->emissionSettings(), entry.first, entry.second, emitter);

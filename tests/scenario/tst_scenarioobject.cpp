@@ -43,6 +43,7 @@ private Q_SLOTS:
     void isActiveAt();
     void networkTakesOverFrequencyAndTimetable();
     void linkChainSharesTheRootPosition();
+    void linkedEmitterRidesOnAMovingTarget();
     void affectedLinkedEmitterIsTheWholeTree();
     void linkToItselfIsIgnored();
     void linkCycleGivesNeutralAnswers();
@@ -117,8 +118,8 @@ void tst_ScenarioObject::isActiveAt()
     const auto emitter = makeEmitter(QStringLiteral("E"));
     const auto other = makeEmitter(QStringLiteral("O"));
     const auto network = std::make_shared<ScenarioNetwork>(QStringLiteral("N"));
-    emitter->setFrequencySettings(new LimitedFrequency(frequencyEnd));
-    emitter->setPositionSettings(new LimitedPosition({}, positionEnd));
+    emitter->setFrequencySettings(frequencyEndingAt(frequencyEnd));
+    emitter->setPositionSettings(positionEndingAt(positionEnd));
     // Same table in both places: on air (100, 200], another emitter (300, 400].
     for (EmissionSettings *table : { emitter->emissionSettings(), network->emissionSettings() }) {
         table->setDuration(1000);
@@ -167,6 +168,30 @@ void tst_ScenarioObject::linkChainSharesTheRootPosition()
     c->frequencySettings()->setCenterFrequency(1e6);
     QCOMPARE(a->getFrequencyAt(0), 25e6);
     releaseScenario({ a, b, c });
+}
+
+void tst_ScenarioObject::linkedEmitterRidesOnAMovingTarget()
+{
+    const auto target = makeEmitter(QStringLiteral("T"));
+    auto *route = new PositionSettingsPtp({ 11.0, 48.0 }, 0.1);
+    route->setEndBehavior(EndInactive);
+    target->setPositionSettings(route);
+    const auto rider = makeEmitter(QStringLiteral("R"));
+    rider->setPositionSettings(new PositionSettingsFixed({ 1.0, 2.0 }));
+    rider->setLinkTargetEmitter(target);
+    target->addLinkedEmitter(rider);
+
+    const uint halfway = route->activeUntil() / 2;
+    for (uint time : { 0u, halfway, route->activeUntil() }) {
+        const TPos expected = route->getPositionAt(time);
+        QCOMPARE(rider->getPositionAt(time).lon, expected.lon);
+        QCOMPARE(rider->getPositionAt(time).lat, expected.lat);
+        QCOMPARE(rider->headingAt(time), route->headingAt(time));
+    }
+    QVERIFY(rider->getPositionAt(halfway).lon > 11.04 && rider->getPositionAt(halfway).lon < 11.06);
+    QCOMPARE(rider->getPositionSettings()->activeUntil(), route->activeUntil());
+    QVERIFY(rider->headingAt(halfway) > 0.0 && rider->headingAt(halfway) < 90.0);
+    releaseScenario({ target, rider });
 }
 
 void tst_ScenarioObject::affectedLinkedEmitterIsTheWholeTree()
