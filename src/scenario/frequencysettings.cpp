@@ -97,27 +97,32 @@ bool FrequencySettings_Chirp::isActiveAt(uint) const
 QList<HRActivity> FrequencySettings_Chirp::calculateHRActivities(
     uint start, uint length, double resolution) const
 {
-    QList<HRActivity> result;
+    return collectHRActivities(start, length, resolution);
+}
+
+void FrequencySettings_Chirp::visitHRActivities(
+    uint start, uint length, double resolution, const HRActivitySink &sink) const
+{
     const double slope = std::fabs(startFrequency - stopFrequency) / double(float(duration));
     const double steps = std::ceil(resolution / slope);
     // Zero resolution, equal frequencies or zero duration leave no positive step, and the
     // loop below would never end.
     if (!(steps >= 1.0))
-        return result;
+        return;
     const uint step = low32(truncate(steps));
     const uint end = start + length;
     if (step == 0 || start >= end)
-        return result;
+        return;
     uint t = start;
     uint next;
     do {
         next = t + step;
         const uint upper = std::min(next, end);
-        if (upper > start && upper != std::max(t, start))
-            result.append(HRActivity { t, step, getFrequencyAt(t) });
+        if (upper > start && upper != std::max(t, start)
+            && !sink(HRActivity { t, step, getFrequencyAt(t) }))
+            return;
         t = next;
     } while (next < end);
-    return result;
 }
 
 uint FrequencySettings_Chirp::activeUntil() const
@@ -228,17 +233,23 @@ bool FrequencySettings_FastHopper::isActiveAt(uint) const
 }
 
 QList<HRActivity> FrequencySettings_FastHopper::calculateHRActivities(
-    uint start, uint length, double) const
+    uint start, uint length, double resolution) const
 {
-    QList<HRActivity> result;
+    return collectHRActivities(start, length, resolution);
+}
+
+void FrequencySettings_FastHopper::visitHRActivities(
+    uint start, uint length, double, const HRActivitySink &sink) const
+{
     if (hoppCount == 0 || hoppRate == 0)
-        return result;
+        return;
     setupFrequencyList();
     const double hop = double(std::ceil(1000.0f / float(hoppRate)));
     const qint64 offset = truncate(double(timeslotOffset) * hop);
     qint64 k = truncate(double(low32(offset + start)) / hop);
-    result.append(HRActivity {
-        start, quint64(offset), getFrequencyAt(low32(truncate(double(offset) * 0.5 + start))) });
+    if (!sink(HRActivity { start, quint64(offset),
+            getFrequencyAt(low32(truncate(double(offset) * 0.5 + start))) }))
+        return;
     const uint end = start + length;
     for (double x = double(k) * hop; double(end) > x; x = double(++k) * hop) {
         const uint slotStart = low32(truncate(std::ceil(x)) + offset);
@@ -249,11 +260,10 @@ QList<HRActivity> FrequencySettings_FastHopper::calculateHRActivities(
             // A slot that begins behind the window end has hi below lo and a length wrapped
             // to nearly 2^32; kept, the merge with the timetable drops it for its begin.
             const uint span = hi - lo;
-            result.append(
-                HRActivity { lo, span, getFrequencyAt(low32(truncate(span * 0.5 + lo))) });
+            if (!sink(HRActivity { lo, span, getFrequencyAt(low32(truncate(span * 0.5 + lo))) }))
+                return;
         }
     }
-    return result;
 }
 
 uint FrequencySettings_FastHopper::activeUntil() const
@@ -464,24 +474,29 @@ bool FrequencySettings_SlowHopper::isActiveAt(uint time) const
 }
 
 QList<HRActivity> FrequencySettings_SlowHopper::calculateHRActivities(
-    uint start, uint windowLength, double) const
+    uint start, uint windowLength, double resolution) const
 {
-    QList<HRActivity> result;
+    return collectHRActivities(start, windowLength, resolution);
+}
+
+void FrequencySettings_SlowHopper::visitHRActivities(
+    uint start, uint windowLength, double, const HRActivitySink &sink) const
+{
     if (frequencySteps.isEmpty())
-        return result;
+        return;
     const uint total = calculateLength();
     const uint n = uint(rows());
     if (start > total && endBehavior == EndStop) {
-        result.append(HRActivity { start, windowLength, frequencySteps.last().frequency });
-        return result;
+        sink(HRActivity { start, windowLength, frequencySteps.last().frequency });
+        return;
     }
     if ((start > total && endBehavior == EndInactive) || total == 0)
-        return result;
+        return;
     const uint phase = start % total;
     const uint base = start - phase;
     const uint end = windowLength + phase;
     if (end == 0)
-        return result;
+        return;
     const bool holdsLast = endBehavior == EndStop || endBehavior == EndInactive;
     uint a = 0;
     // A stale total over a table whose durations are all 0 would never advance.
@@ -501,13 +516,13 @@ QList<HRActivity> FrequencySettings_SlowHopper::calculateHRActivities(
         }
         if (next > phase && prev < end) {
             const uint from = std::max(prev, phase);
-            result.append(HRActivity { from + base, std::min(next, end) - from, step.frequency });
+            if (!sink(HRActivity { from + base, std::min(next, end) - from, step.frequency }))
+                return;
         }
         a += step.duration;
         if (a >= end)
             break;
     }
-    return result;
 }
 
 uint FrequencySettings_SlowHopper::activeUntil() const

@@ -42,6 +42,8 @@ public:
     // exists (zero resolution, equal frequencies, zero duration).
     QList<HRActivity> calculateHRActivities(
         uint start, uint length, double resolution) const override;
+    void visitHRActivities(
+        uint start, uint length, double resolution, const HRActivitySink &sink) const override;
     uint activeUntil() const override;
     // The phase takes no part.
     bool equal(const IFrequencySettings *other) const override;
@@ -93,6 +95,8 @@ public:
     // middle; the head may overlap the first hop. Empty without channels or hops.
     QList<HRActivity> calculateHRActivities(
         uint start, uint length, double resolution) const override;
+    void visitHRActivities(
+        uint start, uint length, double resolution, const HRActivitySink &sink) const override;
     uint activeUntil() const override;
     // The phase takes no part.
     bool equal(const IFrequencySettings *other) const override;
@@ -167,6 +171,8 @@ public:
     // without length.
     QList<HRActivity> calculateHRActivities(
         uint start, uint length, double resolution) const override;
+    void visitHRActivities(
+        uint start, uint length, double resolution, const HRActivitySink &sink) const override;
     // The cached length for INACTIVE, stale or not.
     uint activeUntil() const override;
     // endBehavior takes no part.

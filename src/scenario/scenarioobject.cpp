@@ -290,31 +290,35 @@ QList<HRActivity> SzenarioEmitter::calculateBursts(uint start, uint length, doub
     if (length == 0)
         return bursts;
 
-    const QList<HRActivity> pieces = frequency->calculateHRActivities(start, length, resolution);
     const QList<HRActivity> onAir = timetable->calculateHRActivities(this, start, length);
-    auto f = pieces.cbegin();
+    // Off air for the whole window: the frequency pieces could not add a record.
+    if (onAir.isEmpty())
+        return bursts;
+    // Each frequency piece f is met with the on-air stretches from cursor a on: the
+    // intersection of both lists, clipped to the window. Answering false ends the producer
+    // once the stretches or the window are used up.
     auto a = onAir.cbegin();
-    while (f != pieces.cend() && a != onAir.cend()) {
-        const quint64 fEnd = f->start + f->duration;
-        const quint64 aEnd = a->start + a->duration;
-        if (a->start >= fEnd) {
-            ++f;
-            continue;
+    auto meet = [&](const HRActivity &f) {
+        const quint64 fEnd = f.start + f.duration;
+        while (a != onAir.cend()) {
+            const quint64 aEnd = a->start + a->duration;
+            if (a->start >= fEnd)
+                return true;
+            if (f.start >= aEnd) {
+                ++a;
+                continue;
+            }
+            const quint64 lo = std::max({ quint64(start), a->start, f.start });
+            const quint64 hi = std::min({ quint64(end), aEnd, fEnd });
+            bursts.append({ lo, hi - lo, f.frequency });
+            if (hi == aEnd)
+                ++a;
+            else
+                return hi == fEnd;
         }
-        if (f->start >= aEnd) {
-            ++a;
-            continue;
-        }
-        const quint64 lo = std::max({ quint64(start), a->start, f->start });
-        const quint64 hi = std::min({ quint64(end), aEnd, fEnd });
-        bursts.append({ lo, hi - lo, f->frequency });
-        if (hi == aEnd)
-            ++a;
-        else if (hi == fEnd)
-            ++f;
-        else
-            break;
-    }
+        return false;
+    };
+    frequency->visitHRActivities(start, length, resolution, meet);
     return bursts;
 }
 

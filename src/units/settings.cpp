@@ -5,6 +5,28 @@
 namespace Simulation {
 
 IFrequencySettings::~IFrequencySettings() = default;
+
+void IFrequencySettings::visitHRActivities(
+    uint start, uint length, double resolution, const HRActivitySink &sink) const
+{
+    const QList<HRActivity> pieces = calculateHRActivities(start, length, resolution);
+    for (const HRActivity &piece : pieces) {
+        if (!sink(piece))
+            return;
+    }
+}
+
+QList<HRActivity> IFrequencySettings::collectHRActivities(
+    uint start, uint length, double resolution) const
+{
+    QList<HRActivity> pieces;
+    auto append = [&pieces](const HRActivity &piece) {
+        pieces.append(piece);
+        return true;
+    };
+    visitHRActivities(start, length, resolution, append);
+    return pieces;
+}
 IPositionSettings::~IPositionSettings() = default;
 
 FrequencySettingsType FrequencySettingsFixed::getType() const

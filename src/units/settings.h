@@ -7,6 +7,26 @@ namespace Simulation {
 
 constexpr uint NoEnd = 4294967295u;
 
+// Receives the pieces of a frequency behaviour one at a time, without a list being built;
+// answering false stops the producer. Refers to the callable, which must outlive it.
+class HRActivitySink
+{
+public:
+    template <typename Callable>
+    HRActivitySink(Callable &callable) // NOLINT(google-explicit-constructor)
+        : m_object(&callable)
+        , m_call([](void *object, const HRActivity &activity) {
+            return (*static_cast<Callable *>(object))(activity);
+        })
+    {
+    }
+    bool operator()(const HRActivity &activity) const { return m_call(m_object, activity); }
+
+private:
+    void *m_object;
+    bool (*m_call)(void *, const HRActivity &);
+};
+
 // Frequency behaviour of an emitter or network over scenario time (ms).
 class RADIOSIM_EXPORT IFrequencySettings
 {
@@ -28,6 +48,15 @@ public:
     virtual bool equal(const IFrequencySettings *other) const = 0;
     // New object of the same class, owned by the caller.
     virtual IFrequencySettings *clone() const = 0;
+    // The pieces of calculateHRActivities, in the same order, handed to `sink`: the burst
+    // merge runs on a device's real-time path and need not pay for a list it throws away.
+    // The default walks the list of calculateHRActivities.
+    virtual void visitHRActivities(
+        uint start, uint length, double resolution, const HRActivitySink &sink) const;
+
+protected:
+    // calculateHRActivities for classes that produce their pieces in visitHRActivities.
+    QList<HRActivity> collectHRActivities(uint start, uint length, double resolution) const;
 };
 
 // Position behaviour of an emitter or deployment object over scenario time (ms).

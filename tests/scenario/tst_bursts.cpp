@@ -23,6 +23,8 @@ private Q_SLOTS:
     void frequencyPiecesIntersectTheTimetable_data();
     void frequencyPiecesIntersectTheTimetable();
     void elintFollowsItsTimetable();
+    void streamedPiecesGiveTheListMerge_data();
+    void streamedPiecesGiveTheListMerge();
 };
 
 void tst_Bursts::ownTimetable_data()
@@ -203,6 +205,74 @@ void tst_Bursts::elintFollowsItsTimetable()
     addEntry(elint->emissionSettings(), 100, 100, elint);
     QCOMPARE(spans(elint->calculateBursts(0, 1000, 1.0)), QStringList { "100+100@25" });
     releaseScenario({ elint });
+}
+
+// The merge over whole lists, cursor against cursor, as an independent reading of the rule.
+static QList<HRActivity> listMerge(
+    const QList<HRActivity> &pieces, const QList<HRActivity> &onAir, quint64 start, quint64 end)
+{
+    QList<HRActivity> result;
+    int f = 0;
+    int a = 0;
+    while (f < pieces.size() && a < onAir.size()) {
+        const quint64 fEnd = pieces[f].start + pieces[f].duration;
+        const quint64 aEnd = onAir[a].start + onAir[a].duration;
+        if (onAir[a].start >= fEnd) {
+            ++f;
+        } else if (pieces[f].start >= aEnd) {
+            ++a;
+        } else {
+            const quint64 lo = std::max({ start, onAir[a].start, pieces[f].start });
+            const quint64 hi = std::min({ end, aEnd, fEnd });
+            result.append({ lo, hi - lo, pieces[f].frequency });
+            if (hi == aEnd)
+                ++a;
+            else if (hi == fEnd)
+                ++f;
+            else
+                break;
+        }
+    }
+    return result;
+}
+
+void tst_Bursts::streamedPiecesGiveTheListMerge_data()
+{
+    QTest::addColumn<int>("kind");
+    QTest::newRow("chirp") << 0;
+    QTest::newRow("fast hopper") << 1;
+    QTest::newRow("slow hopper") << 2;
+}
+
+void tst_Bursts::streamedPiecesGiveTheListMerge()
+{
+    QFETCH(int, kind);
+    const auto emitter = makeEmitter(QStringLiteral("E"));
+    IFrequencySettings *frequency = kind == 0
+        ? static_cast<IFrequencySettings *>(new FrequencySettings_Chirp)
+        : kind == 1 ? static_cast<IFrequencySettings *>(new FrequencySettings_FastHopper)
+                    : tenStepHopper();
+    emitter->setFrequencySettings(frequency);
+    EmissionSettings *timetable = emitter->emissionSettings();
+    timetable->setDuration(3000);
+    addEntry(timetable, 100, 7, emitter);
+    addEntry(timetable, 250, 400, emitter);
+    addEntry(timetable, 655, 1, emitter);
+    addEntry(timetable, 1200, 1500, emitter);
+
+    int records = 0;
+    for (uint start = 0; start < 6000; start += 37) {
+        const uint length = 20 + start % 150;
+        const QList<HRActivity> expected
+            = listMerge(frequency->calculateHRActivities(start, length, 1500.0),
+                timetable->calculateHRActivities(emitter.get(), start, length), start,
+                quint64(start) + length);
+        const QList<HRActivity> actual = emitter->calculateBursts(start, length, 1500.0);
+        QCOMPARE(spans(actual), spans(expected));
+        records += actual.size();
+    }
+    QVERIFY(records > 100);
+    releaseScenario({ emitter });
 }
 
 QTEST_GUILESS_MAIN(tst_Bursts)
