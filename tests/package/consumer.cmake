@@ -25,7 +25,7 @@ run(${CMAKE_COMMAND} -S "${SOURCE_DIR}/examples/consumer" -B "${WORK_DIR}/build"
 run(${CMAKE_COMMAND} --build "${WORK_DIR}/build")
 set(ENV{LD_LIBRARY_PATH} "${prefix}/lib")
 run("${WORK_DIR}/build/consumer")
-if(NOT output MATCHES "distance 4\\.58[0-9] km, frequency 145500000 Hz")
+if(NOT output MATCHES "distance 4\\.58[0-9] km\nburst 1100\\+200 at 145500000 Hz\nelement Command")
     message(FATAL_ERROR "unexpected consumer output: ${output}")
 endif()
 

@@ -55,10 +55,10 @@ QString tst_OvZip::makeZip(const QString &name, const Entries &entries, bool com
     const QString path = m_dir->filePath(name);
     const QString script = QStringLiteral(
         "import base64, json, sys, zipfile\n"
-        "spec = json.load(sys.stdin)\n"
-        "method = zipfile.ZIP_DEFLATED if spec['compress'] else zipfile.ZIP_STORED\n"
-        "with zipfile.ZipFile(spec['path'], 'w') as z:\n"
-        "    for name, data in spec['entries']:\n"
+        "plan = json.load(sys.stdin)\n"
+        "method = zipfile.ZIP_DEFLATED if plan['compress'] else zipfile.ZIP_STORED\n"
+        "with zipfile.ZipFile(plan['path'], 'w') as z:\n"
+        "    for name, data in plan['entries']:\n"
         "        info = zipfile.ZipInfo(name)\n"
         "        info.compress_type = method\n"
         "        z.writestr(info, base64.b64decode(data))\n");
