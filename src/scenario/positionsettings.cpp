@@ -44,9 +44,22 @@ void PositionSettingsPtp::setPosition(const TPos &target)
 {
     if (movements.isEmpty())
         return;
+    legs.clear();
     const TPos first = movements.first().position;
     for (MovementPoint &point : movements)
         point.position = shifted(point.position, target.lon - first.lon, target.lat - first.lat);
+}
+
+const PositionSettingsPtp::Leg &PositionSettingsPtp::leg(int row) const
+{
+    if (legs.size() != movements.size() - 1) {
+        legs.resize(movements.size() - 1);
+        for (int i = 0; i < legs.size(); ++i) {
+            legs[i].azimuth = azimuth(movements[i].position, movements[i + 1].position);
+            legs[i].distance = distance(movements[i].position, movements[i + 1].position);
+        }
+    }
+    return legs.at(row);
 }
 
 int PositionSettingsPtp::legAt(uint time, uint &elapsed, uint &routeTime) const
@@ -92,11 +105,11 @@ double PositionSettingsPtp::headingAt(uint time) const
     uint routeTime = 0;
     const int leg = legAt(time, elapsed, routeTime);
     if (leg >= 0)
-        return azimuth(movements[leg].position, movements[leg + 1].position);
+        return this->leg(leg).azimuth;
     if (endBehavior == EndRestart && routeTime != 0)
         return headingAt(time % routeTime);
     const int n = movements.size();
-    return n < 2 ? 0.0 : azimuth(movements[n - 2].position, movements[n - 1].position);
+    return n < 2 ? 0.0 : this->leg(n - 2).azimuth;
 }
 
 double PositionSettingsPtp::speedAt(uint time) const
@@ -189,6 +202,7 @@ void PositionSettingsPtp::setPoint(int row, const MovementPoint &point)
 
 void PositionSettingsPtp::updatePoint(int)
 {
+    legs.clear();
     for (int i = movements.size() - 2; i >= 0; --i) {
         MovementPoint &point = movements[i];
         const MovementPoint &next = movements[i + 1];
@@ -329,8 +343,7 @@ float PositionSettingsPtp::getMovementSpeed(int row) const
     const uint legTime = movements[row - 1].transitionTime;
     if (legTime == 0)
         return -1.0f;
-    return float(distance(movements[row].position, movements[row - 1].position)
-        / (float(legTime) / 3600000.0f));
+    return float(leg(row - 1).distance / (float(legTime) / 3600000.0f));
 }
 
 void PositionSettingsPtp::setMovementSpeed(int row, float speed)
@@ -396,7 +409,7 @@ double PositionSettingsPtp::length() const
 {
     double sum = 0.0;
     for (int i = 0; i + 1 < movements.size(); ++i)
-        sum += distance(movements[i].position, movements[i + 1].position);
+        sum += leg(i).distance;
     return sum;
 }
 

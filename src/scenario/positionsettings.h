@@ -110,9 +110,20 @@ private:
     // point's dwell and transition time. routeTime receives the length of the walk.
     int legAt(uint time, uint &elapsed, uint &routeTime) const;
     uint sumOfTimesBefore(int row) const;
+    // Azimuth and distance of the leg from point `row` to the next, solved once after each
+    // edit of the geometry: a device asks heading and speed continuously, and a geodesic costs
+    // more than the rest of a query.
+    struct Leg
+    {
+        double azimuth = 0.0;
+        double distance = 0.0;
+    };
+    const Leg &leg(int row) const;
 
     QVector<MovementPoint> movements;
     EndBehaviourType endBehavior = EndRestart;
+    // Empty until a query needs it; emptied whenever a point moves.
+    mutable QVector<Leg> legs;
 };
 
 } // namespace Simulation

@@ -1,4 +1,5 @@
 #include <radiosim/scenario/positionsettings.h>
+#include <radiosim/units/geodesy.h>
 
 #include <QtTest>
 
@@ -60,6 +61,7 @@ class tst_PositionSettings : public QObject
 private Q_SLOTS:
     void initTestCase();
     void newRouteAndSetMovementsKeepInvariants();
+    void queriesFollowEveryEditOfTheGeometry();
     void walkThroughDwellAndLegs_data();
     void walkThroughDwellAndLegs();
     void inactiveLimitIncludesLastPoint_data();
@@ -173,6 +175,45 @@ void tst_PositionSettings::newRouteAndSetMovementsKeepInvariants()
     settings.setMovementSpeed(2, 25.0f);
     QCOMPARE(settings.getPoint(1).speed, 25.0);
     QCOMPARE(settings.getPoint(1).transitionTime, uint(std::floor(km / 25 * 3600000)));
+}
+
+// Heading, speed and length are solved once per edit; each kind of edit must be seen by the
+// next query, which the fresh geodesy here checks.
+void tst_PositionSettings::queriesFollowEveryEditOfTheGeometry()
+{
+    PositionSettingsPtp route({ 11.0, 48.0 }, 0.1);
+    auto expectLegs = [&route]() {
+        const QVector<MovementPoint> &points = route.getMovments();
+        double total = 0.0;
+        uint begin = 0;
+        for (int i = 0; i + 1 < points.size(); ++i) {
+            const double km = distance(points[i].position, points[i + 1].position);
+            total += km;
+            const uint middle = begin + points[i].dwellTime + points[i].transitionTime / 2;
+            QCOMPARE(route.headingAt(middle), azimuth(points[i].position, points[i + 1].position));
+            QVERIFY(qAbs(route.getMovementSpeed(i + 1)
+                        - float(km / (points[i].transitionTime / 3600000.0)))
+                < 1e-3f);
+            begin += points[i].dwellTime + points[i].transitionTime;
+        }
+        QVERIFY(qAbs(route.length() - total) < 1e-9);
+    };
+    expectLegs();
+
+    MovementPoint moved = route.getPoint(1);
+    moved.position = { 10.8, 48.05 };
+    route.setPoint(1, moved);
+    expectLegs();
+    QVERIFY(route.headingAt(1) > 270.0);
+
+    route.insertRowAfter(0, 2.0, QStringLiteral("between"));
+    expectLegs();
+    route.setPosition({ -70.0, -33.0 });
+    expectLegs();
+    route.removeRow(1);
+    expectLegs();
+    route.setMovementSpeed(1, 120.0f);
+    expectLegs();
 }
 
 void tst_PositionSettings::walkThroughDwellAndLegs_data()
