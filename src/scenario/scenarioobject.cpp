@@ -275,7 +275,7 @@ QList<HRActivity> SzenarioEmitter::calculateBursts(uint start, uint length, doub
     if (!frequency || !timetable)
         return bursts;
 
-    uint limit = std::min(NoEnd, frequency->activeUntil());
+    uint limit = frequency->activeUntil();
     if (position)
         limit = std::min(limit, position->activeUntil());
     limit = std::min(limit, timetable->activeUntil());
