@@ -54,8 +54,7 @@ class tst_DeviceRecords : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void configurationWritesFixedForm();
-    void configurationRoundTripKeepsSixDigits();
+    void configurationWritesFixedFormAndReadsBack();
     void missingFieldKeepsOldValueAndFails_data();
     void missingFieldKeepsOldValueAndFails();
     void emptyElementSetsEmptyText();
@@ -67,15 +66,12 @@ private Q_SLOTS:
     void stateAcceptsNumbersOutsideTheEnum();
 };
 
-void tst_DeviceRecords::configurationWritesFixedForm()
+// The longitude is written with six significant digits, and so comes back shortened.
+void tst_DeviceRecords::configurationWritesFixedFormAndReadsBack()
 {
     QCOMPARE(sample().toXml(QByteArray()), ConfigurationXml);
-}
-
-void tst_DeviceRecords::configurationRoundTripKeepsSixDigits()
-{
     SimulationDeviceConfiguration read;
-    QVERIFY(read.fromXml(sample().toXml(QByteArray())));
+    QVERIFY(read.fromXml(ConfigurationXml));
     SimulationDeviceConfiguration expected = sample();
     expected.setPositionLongitude(8.12346);
     QCOMPARE(flatten(read), flatten(expected));
@@ -134,10 +130,6 @@ void tst_DeviceRecords::anyRootTagIsRead()
     SimulationDeviceConfiguration device;
     QVERIFY(device.fromXml(xml));
     QCOMPARE(device.machineId(), QStringLiteral("m-42"));
-
-    SimulationDeviceState state;
-    QVERIFY(state.fromXml("<Other><ScenarioDataState>2</ScenarioDataState></Other>"));
-    QCOMPARE(state.scenarioDataState(), ScenarioDataLoaded);
 }
 
 void tst_DeviceRecords::notXmlLeavesRecordUnchanged()

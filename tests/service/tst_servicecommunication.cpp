@@ -405,14 +405,14 @@ void tst_ServiceCommunication::confirmationMatchesHashOfSaltAndRecord()
 void tst_ServiceCommunication::timersAreChildrenWithTheirIntervals()
 {
     SimulationServiceCommunication communication;
-    QCOMPARE(timer(communication, "heartBeatTimer")->interval(), 30000);
-    QVERIFY(!timer(communication, "heartBeatTimer")->isSingleShot());
-    QVERIFY(!timer(communication, "heartBeatTimer")->isActive());
-    QCOMPARE(timer(communication, "heartBeatTimeoutTimer")->interval(), 15000);
-    QVERIFY(timer(communication, "heartBeatTimeoutTimer")->isSingleShot());
+    const QTimer *beat = timer(communication, "heartBeatTimer");
+    const QTimer *timeout = timer(communication, "heartBeatTimeoutTimer");
+    QCOMPARE(beat->interval(), 30000);
+    QVERIFY(!beat->isSingleShot() && !beat->isActive());
+    QCOMPARE(timeout->interval(), 15000);
+    QVERIFY(timeout->isSingleShot());
     communication.setHeartBeatEnabled(true);
-    QVERIFY(timer(communication, "heartBeatTimer")->isActive());
-    communication.setHeartBeatEnabled(false);
+    QVERIFY(beat->isActive());
 }
 
 void tst_ServiceCommunication::silentPeerIsDisconnectedAfterOneProbe()
