@@ -96,6 +96,27 @@ void BM_EmissionAt(benchmark::State &state)
 }
 BENCHMARK(BM_EmissionAt)->Repetitions(10)->ReportAggregatesOnly(true);
 
+// Filling a table entry by entry in start order, as a document reader does: each insertion
+// moves the keys behind it and recounts the buckets.
+void BM_FillTimetable(benchmark::State &state)
+{
+    const Fixture &data = fixture();
+    const auto count = size_t(state.range(0));
+    for (auto _ : state) {
+        Simulation::EmissionSettings settings;
+        for (size_t i = 0; i < count; ++i)
+            settings.addEmission(data.entries[i]);
+        benchmark::DoNotOptimize(settings.emissions().size());
+    }
+    state.SetComplexityN(state.range(0));
+}
+BENCHMARK(BM_FillTimetable)
+    ->Arg(100)
+    ->Arg(1000)
+    ->Arg(Entries)
+    ->Unit(benchmark::kMicrosecond)
+    ->Complexity();
+
 } // namespace
 
 BENCHMARK_MAIN();

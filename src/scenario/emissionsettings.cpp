@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <numeric>
 
 namespace Simulation {
 
@@ -89,6 +90,9 @@ void EmissionSettings::addEmission(boost::shared_ptr<Emission> emission)
     const int index = int(lowerBound(m_emissions, emission->start) - m_emissions.cbegin());
     m_emissions.insert(index, emission);
     m_sortKeys.insert(index, { emission->start, emission.get() });
+    const bool crowded = m_bucketShift > 0 && m_sortKeys.size() > 2 * m_bucketCounts.size();
+    if (crowded || !countKey(emission->start, 1))
+        reindex();
 }
 
 void EmissionSettings::updateEmission(boost::shared_ptr<Emission> emission)
@@ -153,30 +157,101 @@ void EmissionSettings::clearAll()
     m_groups.clear();
     m_emissions.clear();
     m_sortKeys.clear();
+    m_bucketCounts.clear();
 }
 
 void EmissionSettings::removeEntry(const boost::shared_ptr<Emission> &emission)
 {
     for (int i = m_emissions.size() - 1; i >= 0; --i) {
         if (m_emissions.at(i) == emission) {
+            const qint64 start = m_sortKeys.at(i).start;
             m_emissions.removeAt(i);
             m_sortKeys.remove(i);
+            if (!countKey(start, -1))
+                reindex();
         }
     }
 }
 
+bool EmissionSettings::countKey(qint64 start, int delta)
+{
+    const int buckets = m_bucketCounts.size();
+    if (buckets == 0 || start < m_bucketBase)
+        return false;
+    const quint64 bucket = (quint64(start) - quint64(m_bucketBase)) >> m_bucketShift;
+    const int keys = m_sortKeys.size();
+    if (bucket >= quint64(buckets)) {
+        // Above every counted key, as when a table is filled in start order: the new buckets
+        // count all keys but this one. A far outlier rebuilds instead of growing the counts.
+        if (delta < 0 || bucket >= 4 * quint64(keys))
+            return false;
+        m_bucketCounts.resize(int(bucket) + 1);
+        std::fill(m_bucketCounts.begin() + buckets, m_bucketCounts.end(), keys - 1);
+        return true;
+    }
+    int *const counts = m_bucketCounts.data();
+    for (int j = int(bucket) + 1; j < buckets; ++j)
+        counts[j] += delta;
+    return true;
+}
+
+void EmissionSettings::reindex()
+{
+    m_bucketCounts.clear();
+    if (m_sortKeys.isEmpty())
+        return;
+    const auto [lowest, highest] = std::minmax_element(m_sortKeys.cbegin(), m_sortKeys.cend(),
+        [](const SortKey &a, const SortKey &b) { return a.start < b.start; });
+    const quint64 range = quint64(highest->start) - quint64(lowest->start);
+    const auto limit = 2 * quint64(m_sortKeys.size());
+    m_bucketBase = lowest->start;
+    m_bucketShift = 0;
+    while (m_bucketShift < 63 && (range >> m_bucketShift) >= limit)
+        ++m_bucketShift;
+    const auto buckets = int(range >> m_bucketShift) + 1;
+    // Keys per bucket, shifted up by one bucket and summed: the number of keys below each
+    // bucket's lower edge. Counting instead of searching stays exact if keys are out of order.
+    m_bucketCounts.fill(0, buckets);
+    for (const SortKey &sortKey : qAsConst(m_sortKeys)) {
+        const auto bucket = int((quint64(sortKey.start) - quint64(m_bucketBase)) >> m_bucketShift);
+        if (bucket + 1 < buckets)
+            ++m_bucketCounts[bucket + 1];
+    }
+    std::partial_sum(m_bucketCounts.cbegin(), m_bucketCounts.cend(), m_bucketCounts.begin());
+}
+
 int EmissionSettings::firstStartNotLess(qint64 key) const
 {
-    const auto found = std::lower_bound(m_sortKeys.cbegin(), m_sortKeys.cend(), key,
+    const int keys = m_sortKeys.size();
+    int low = 0;
+    int high = keys;
+    if (keys > 0) {
+        if (key < m_bucketBase) {
+            high = 0;
+        } else {
+            // Every key lies below the edge of the bucket after the last.
+            const quint64 bucket = (quint64(key) - quint64(m_bucketBase)) >> m_bucketShift;
+            const auto last = quint64(m_bucketCounts.size() - 1);
+            if (bucket > last)
+                low = keys;
+            else
+                low = m_bucketCounts.at(int(bucket));
+            if (bucket < last)
+                high = m_bucketCounts.at(int(bucket + 1));
+        }
+    }
+    const auto found = std::lower_bound(m_sortKeys.cbegin() + low, m_sortKeys.cbegin() + high, key,
         [](const SortKey &sortKey, qint64 value) { return sortKey.start < value; });
     const int index = int(found - m_sortKeys.cbegin());
-    // A key is stale when its entry's start was changed in place. While both neighbours still
-    // agree with their entries, a sorted table has its lower bound at the same index.
+    // A key is stale when its entry's start was changed in place. While both neighbours agree
+    // with their entries and enclose the key, a sorted table has its lower bound here.
     auto agrees = [this](int i) {
         const SortKey &sortKey = m_sortKeys.at(i);
         return sortKey.entry->start == sortKey.start;
     };
-    if ((index == 0 || agrees(index - 1)) && (index == m_sortKeys.size() || agrees(index)))
+    const bool before = index == 0 || (m_sortKeys.at(index - 1).start < key && agrees(index - 1));
+    const bool after = index == keys || (m_sortKeys.at(index).start >= key && agrees(index));
+    if (before && after)
         return index;
     return int(lowerBound(m_emissions, key) - m_emissions.cbegin());
 }

@@ -116,6 +116,10 @@ private:
 
     void detachGroup(const boost::shared_ptr<Group> &group);
     void removeEntry(const boost::shared_ptr<Emission> &emission);
+    // Adds `delta` to the counts of the buckets above `start`; false when the buckets must be
+    // rebuilt instead.
+    bool countKey(qint64 start, int delta);
+    void reindex();
     // The lower bound of `key` among the starts, without an allocation.
     int firstStartNotLess(qint64 key) const;
 
@@ -126,6 +130,12 @@ private:
     // The table stands for continuous emission.
     bool m_broadcast = false;
     QVector<SortKey> m_sortKeys;
+    // Buckets of width 2^m_bucketShift from the smallest key up to the largest, one or two
+    // keys each: m_bucketCounts[j] is the number of keys below m_bucketBase + (j << shift), so a
+    // lookup searches only the keys of one bucket instead of the whole table.
+    qint64 m_bucketBase = 0;
+    int m_bucketShift = 0;
+    QVector<int> m_bucketCounts;
 };
 
 } // namespace Simulation
