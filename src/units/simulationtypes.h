@@ -6,6 +6,8 @@
 #include <QString>
 #include <QtGlobal>
 
+#include <cstddef>
+
 namespace Simulation {
 
 // Longitude then latitude, decimal degrees. The field order is part of the interface.
@@ -21,6 +23,12 @@ struct HRActivity
     quint64 start = 0;
     quint64 duration = 0;
     double frequency = 0.0;
+
+    // A QList keeps each record in a heap node of its own, and a device builds and drops such
+    // lists on its real-time path: nodes are recycled through a free list of each thread.
+    RADIOSIM_EXPORT static void *operator new(std::size_t size);
+    RADIOSIM_EXPORT static void operator delete(void *memory, std::size_t size) noexcept;
+    static void *operator new(std::size_t, void *place) noexcept { return place; }
 };
 
 // The numbers of these enumerations are stored in files and stay fixed.
