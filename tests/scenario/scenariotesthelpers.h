@@ -12,8 +12,7 @@
 #include <QVector>
 
 // One row of a data table, the values in column order and of the columns' exact types.
-template <typename... Values>
-void row(const char *name, const Values &...values)
+template <typename... Values> void row(const char *name, const Values &...values)
 {
     (QTest::newRow(name) << ... << values);
 }

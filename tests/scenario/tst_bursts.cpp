@@ -37,7 +37,6 @@ void tst_Bursts::ownTimetable_data()
     row("broadcast", whole, true, NoEnd, NoEnd, 1000u, 500u, L { "1000+500@25" });
     row("two entries, clipped to the window", two, false, NoEnd, NoEnd, 100u, 400u,
         L { "100+100@25", "400+100@25" });
-    row("next period", two, false, NoEnd, NoEnd, 1100u, 400u, L { "1100+100@25", "1400+100@25" });
     row("entry from before the window", Table { { 900, 200 } }, false, NoEnd, NoEnd, 1950u, 100u,
         L { "1950+100@25" });
     row("empty timetable", Table(), false, NoEnd, NoEnd, 0u, 1000u, L());

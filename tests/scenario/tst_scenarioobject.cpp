@@ -224,7 +224,6 @@ void tst_ScenarioObject::copyingConstructorTakesEffectivePosition()
     target->setPositionSettings(new PositionSettingsFixed({ 2.0, 3.0 }));
     const auto source = makeEmitter("S");
     link(source, target);
-    source->setClass(QStringLiteral("Emitter-White.ico"));
     source->setDescription(QStringLiteral("d"));
     source->setVisibleOnMap(true);
     source->getTranmitterSettings()->setPower(7.0f);
@@ -234,7 +233,6 @@ void tst_ScenarioObject::copyingConstructorTakesEffectivePosition()
     const auto copy
         = std::make_shared<SzenarioEmitter>(QStringLiteral("C"), QStringLiteral("c"), source);
     QVERIFY(copy->getDescription() == QLatin1String("d") && copy->isVisibleOnMap());
-    QCOMPARE(copy->getClass(), QStringLiteral("Emitter-White.ico"));
     QCOMPARE(copy->getTranmitterSettings()->getPower(), 7.0f);
     QCOMPARE(copy->linkTargetEmitter(), target);
     QVERIFY(!copy->hasNetwork());
