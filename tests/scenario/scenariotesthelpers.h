@@ -59,17 +59,22 @@ inline std::shared_ptr<Simulation::SzenarioEmitter> makeEmitter(const char *id)
     return std::make_shared<Simulation::SzenarioEmitter>(QLatin1String(id), QLatin1String(id));
 }
 
-inline std::shared_ptr<Simulation::ScenarioNetwork> makeNetwork()
-{
-    return std::make_shared<Simulation::ScenarioNetwork>(QStringLiteral("N"));
-}
-
 // Both sides of a membership, as the document reader sets them.
 inline void join(const std::shared_ptr<Simulation::ScenarioNetwork> &network,
     const std::shared_ptr<Simulation::SzenarioEmitter> &member)
 {
     network->addEmitter(member);
     member->setScenarioNetwork(network);
+}
+
+// Network "N" that the members have joined.
+inline std::shared_ptr<Simulation::ScenarioNetwork> makeNetwork(
+    std::initializer_list<std::shared_ptr<Simulation::SzenarioEmitter>> members = {})
+{
+    const auto network = std::make_shared<Simulation::ScenarioNetwork>(QStringLiteral("N"));
+    for (const auto &member : members)
+        join(network, member);
+    return network;
 }
 
 // Both sides of a link, as the document reader sets them.

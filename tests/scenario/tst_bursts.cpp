@@ -12,8 +12,7 @@ private Q_SLOTS:
     void ownTimetable_data();
     void ownTimetable();
     void switchedOffEmitterStillCalculates();
-    void networkListsOnlyTheMembersEntries();
-    void broadcastNetworkPutsEveryMemberOnAir();
+    void networkTimetableDecidesForItsMembers();
     void linkTargetPositionLimitsTheWindow();
     void frequencyPiecesIntersectTheTimetable_data();
     void frequencyPiecesIntersectTheTimetable();
@@ -79,36 +78,22 @@ void tst_Bursts::switchedOffEmitterStillCalculates()
     releaseScenario({ emitter });
 }
 
-void tst_Bursts::networkListsOnlyTheMembersEntries()
+void tst_Bursts::networkTimetableDecidesForItsMembers()
 {
-    const auto network = makeNetwork();
-    network->frequencySettings()->setCenterFrequency(30e6);
     const auto a = makeEmitter("A"), b = makeEmitter("B");
-    join(network, a);
-    join(network, b);
+    const auto network = makeNetwork({ a, b });
+    network->frequencySettings()->setCenterFrequency(30e6);
     EmissionSettings *timetable = network->emissionSettings();
-    timetable->setDuration(1000);
-    addEntry(timetable, 0, 100, a);
+    fill(timetable, { { 0, 100 }, { 300, 100 } }, 1000, false, a);
     addEntry(timetable, 100, 100, b);
-    addEntry(timetable, 300, 100, a);
     // The members' own timetables and frequencies are out of use.
     a->ScenarioObject::emissionSettings()->makeContinousActive(a, nullptr);
     QCOMPARE(spans(a->calculateBursts(0, 1000, 1.0)), (QStringList { "0+100@30", "300+100@30" }));
     QCOMPARE(spans(b->calculateBursts(0, 1000, 1.0)), QStringList { "100+100@30" });
-    releaseScenario({ network, a, b });
-}
-
-void tst_Bursts::broadcastNetworkPutsEveryMemberOnAir()
-{
-    const auto network = makeNetwork();
-    const auto a = makeEmitter("A"), b = makeEmitter("B");
-    join(network, a);
-    join(network, b);
-    network->emissionSettings()->setDuration(1000);
-    network->emissionSettings()->setBroadcast(true);
-    network->emissionSettings()->makeContinousActive(a, nullptr);
-    QCOMPARE(spans(a->calculateBursts(200, 300, 1.0)), QStringList { "200+300@25" });
-    QCOMPARE(spans(b->calculateBursts(200, 300, 1.0)), QStringList { "200+300@25" });
+    // A broadcast puts every member on air at once.
+    timetable->setBroadcast(true);
+    for (const auto &member : { a, b })
+        QCOMPARE(spans(member->calculateBursts(200, 300, 1.0)), QStringList { "200+300@30" });
     releaseScenario({ network, a, b });
 }
 

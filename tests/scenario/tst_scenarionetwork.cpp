@@ -44,10 +44,8 @@ void tst_ScenarioNetwork::membershipKeepsSetAndListInStep()
 
 void tst_ScenarioNetwork::removeEmitterDropsItsEntriesAndEmptyGroups()
 {
-    const auto network = makeNetwork();
     const auto a = makeEmitter("A"), b = makeEmitter("B"), stranger = makeEmitter("S");
-    join(network, a);
-    join(network, b);
+    const auto network = makeNetwork({ a, b });
     EmissionSettings *table = network->emissionSettings();
     const auto groupOfA = table->createGroup();
     for (qint64 start : { 0, 200, 400 })
@@ -89,10 +87,8 @@ void tst_ScenarioNetwork::headEmitterReordersTheListOnly()
 
 void tst_ScenarioNetwork::cloneSharesMembersCopyHasNone()
 {
-    const auto network = makeNetwork();
     const auto a = makeEmitter("A"), b = makeEmitter("B");
-    join(network, a);
-    join(network, b);
+    const auto network = makeNetwork({ a, b });
     network->setHeadEmitter(b);
     network->setColor(Qt::blue);
     network->setNetworkType(NetworkHierarchical);

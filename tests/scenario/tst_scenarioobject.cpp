@@ -324,9 +324,7 @@ void tst_ScenarioObject::releasedScenarioDies()
     {
         const auto a = makeEmitter("A"), b = makeEmitter("B"), c = makeEmitter("C");
         const auto d = std::make_shared<ElintScenarioEmitter>(QStringLiteral("D"), QString());
-        const auto network = makeNetwork();
-        join(network, a);
-        join(network, b);
+        const auto network = makeNetwork({ a, b });
         network->setHeadEmitter(c);
         addEntry(network->emissionSettings(), 0, 100, a);
         addEntry(network->emissionSettings(), 100, 100, b);
