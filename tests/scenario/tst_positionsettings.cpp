@@ -1,4 +1,5 @@
-#include <radiosim/scenario/positionsettings.h>
+#include "scenariotesthelpers.h"
+
 #include <radiosim/units/geodesy.h>
 
 #include <QtTest>
@@ -209,16 +210,15 @@ void tst_PositionSettings::walkThroughDwellAndLegs_data()
     const TPos mid01 { (p0.lon + p1.lon) / 2, (p0.lat + p1.lat) / 2 };
     const TPos mid12 { p1.lon, (p1.lat + p2.lat) / 2 };
     const int restart = EndRestart, stop = EndStop;
-    QTest::newRow("dwell at start") << restart << 500u << p0 << azimuth01 << -1.0;
-    QTest::newRow("leg begins") << restart << 1000u << p0 << azimuth01 << -1.0;
-    QTest::newRow("halfway first leg") << restart << 2000u << mid01 << azimuth01 << -1.0;
-    QTest::newRow("speed lags one leg") << restart << 3500u << mid12 << azimuth12 << speed01;
-    QTest::newRow("restart at route time") << restart << 4000u << p0 << azimuth01 << -1.0;
-    QTest::newRow("restart second lap") << restart << 10000u << mid01 << azimuth01 << -1.0;
-    QTest::newRow("stop at route time") << stop << 4000u << p2 << azimuth12 << 0.0;
-    QTest::newRow("stop long after") << stop << 900000u << p2 << azimuth12 << 0.0;
-    QTest::newRow("inactive moves like stop")
-        << int(EndInactive) << 5000u << p2 << azimuth12 << 0.0;
+    row("dwell at start", restart, 500u, p0, azimuth01, -1.0);
+    row("leg begins", restart, 1000u, p0, azimuth01, -1.0);
+    row("halfway first leg", restart, 2000u, mid01, azimuth01, -1.0);
+    row("speed lags one leg", restart, 3500u, mid12, azimuth12, speed01);
+    row("restart at route time", restart, 4000u, p0, azimuth01, -1.0);
+    row("restart second lap", restart, 10000u, mid01, azimuth01, -1.0);
+    row("stop at route time", stop, 4000u, p2, azimuth12, 0.0);
+    row("stop long after", stop, 900000u, p2, azimuth12, 0.0);
+    row("inactive moves like stop", int(EndInactive), 5000u, p2, azimuth12, 0.0);
 }
 
 void tst_PositionSettings::walkThroughDwellAndLegs()
@@ -242,8 +242,8 @@ void tst_PositionSettings::inactiveLimitIncludesLastPoint_data()
 {
     QTest::addColumn<uint>("lastDwell");
     QTest::addColumn<uint>("until");
-    QTest::newRow("last transition only") << 0u << 309431u;
-    QTest::newRow("last dwell too") << 500u << 309931u;
+    row("last transition only", 0u, 309431u);
+    row("last dwell too", 500u, 309931u);
 }
 
 void tst_PositionSettings::inactiveLimitIncludesLastPoint()
@@ -321,18 +321,13 @@ void tst_PositionSettings::insertRowAfter_data()
     QTest::addColumn<QString>("inserted");
     QTest::addColumn<double>("lastLon");
     const QString empty("");
-    QTest::newRow("middle, capped at 0.7")
-        << 0 << 10.0 << empty << 1 << "11.7 48 major '' 50" << 12.0;
-    QTest::newRow("middle, null name is minor")
-        << 0 << 10.0 << QString() << 1 << "11.7 48 minor ''null 30" << 12.0;
-    QTest::newRow("middle, short step") << 0 << 0.25 << "A" << 1 << "11.25 48 major 'A' 50" << 12.0;
-    QTest::newRow("middle, zero is the leg")
-        << 0 << 0.0 << "A" << 1 << "11.7 48 major 'A' 50" << 12.0;
-    QTest::newRow("end, empty name extends")
-        << 1 << 0.5 << empty << 1 << "12 48 major '' 50" << 12.5;
-    QTest::newRow("end, null name extends minor")
-        << 1 << 0.5 << QString() << 1 << "12 48 minor ''null 30" << 12.5;
-    QTest::newRow("end, named appends") << 5 << 0.5 << "B" << 2 << "12.5 48 major 'B' 50" << 12.5;
+    row("middle, capped at 0.7", 0, 10.0, empty, 1, "11.7 48 major '' 50", 12.0);
+    row("middle, null name is minor", 0, 10.0, QString(), 1, "11.7 48 minor ''null 30", 12.0);
+    row("middle, short step", 0, 0.25, "A", 1, "11.25 48 major 'A' 50", 12.0);
+    row("middle, zero is the leg", 0, 0.0, "A", 1, "11.7 48 major 'A' 50", 12.0);
+    row("end, empty name extends", 1, 0.5, empty, 1, "12 48 major '' 50", 12.5);
+    row("end, null name extends minor", 1, 0.5, QString(), 1, "12 48 minor ''null 30", 12.5);
+    row("end, named appends", 5, 0.5, "B", 2, "12.5 48 major 'B' 50", 12.5);
 }
 
 void tst_PositionSettings::insertRowAfter()
@@ -359,10 +354,10 @@ void tst_PositionSettings::arcPointsLieOnTheCircle_data()
     QTest::addColumn<int>("count");
     QTest::addColumn<int>("angle");
     QTest::addColumn<double>("radius");
-    QTest::newRow("from the end, left") << 2 << 5 << 90 << 500.0;
-    QTest::newRow("from the start, right") << 0 << 3 << -180 << 200.0;
-    QTest::newRow("middle, after a leg") << 1 << 4 << 120 << 1000.0;
-    QTest::newRow("full circle") << 1 << 9 << 360 << 300.0;
+    row("from the end, left", 2, 5, 90, 500.0);
+    row("from the start, right", 0, 3, -180, 200.0);
+    row("middle, after a leg", 1, 4, 120, 1000.0);
+    row("full circle", 1, 9, 360, 300.0);
 }
 
 void tst_PositionSettings::arcPointsLieOnTheCircle()
@@ -422,8 +417,8 @@ void tst_PositionSettings::badArgumentsChangeNothing()
 void tst_PositionSettings::setArivalTimeCountsDistanceBackToMajor_data()
 {
     QTest::addColumn<bool>("middleMajor");
-    QTest::newRow("minor point between") << false;
-    QTest::newRow("major point between") << true;
+    row("minor point between", false);
+    row("major point between", true);
 }
 
 void tst_PositionSettings::setArivalTimeCountsDistanceBackToMajor()
