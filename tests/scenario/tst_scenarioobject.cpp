@@ -25,7 +25,6 @@ class tst_ScenarioObject : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void newEmitterIsNeverOnAir();
     void switchedOffEmitterStillAnswers();
     void isActiveAt_data();
     void isActiveAt();
@@ -37,27 +36,16 @@ private Q_SLOTS:
     void copyingConstructorTakesEffectivePosition();
     void cloneCopiesDeeplyButNotVisibility();
     void elintIsAlwaysOnAirAndClonesPlain();
-    void cloneAndCopyRefuseWhatTheyCannotTake();
+    void newEmitterIsOffAirAndRefusesWhatItCannotTake();
     void casts();
     void releasedScenarioDies();
 };
-
-void tst_ScenarioObject::newEmitterIsNeverOnAir()
-{
-    SzenarioEmitter emitter(QStringLiteral("EM1"), QStringLiteral("x"));
-    QCOMPARE(emitter.getFrequencyAt(0), 25000000.0);
-    QVERIFY(!emitter.hasNetwork() && !emitter.isLinked());
-    QVERIFY(!emitter.isActiveAt(1000) && !emitter.isActiveAt(4294967295u));
-    QCOMPARE(emitter.timeActiveAt(5), qint64(-1));
-    QVERIFY(!emitter.signalPackageAt(5));
-}
 
 void tst_ScenarioObject::switchedOffEmitterStillAnswers()
 {
     const auto emitter = makeEmitter("E");
     const auto package = std::make_shared<SignalPackage>();
-    emitter->emissionSettings()->setDuration(1000);
-    emitter->emissionSettings()->setBroadcast(true);
+    fill(emitter->emissionSettings(), {}, 1000, true);
     emitter->emissionSettings()->makeContinousActive(emitter, package);
     emitter->setPositionSettings(new PositionSettingsFixed({ 8.5, 47.25 }));
     emitter->setActive(false);
@@ -281,9 +269,14 @@ void tst_ScenarioObject::elintIsAlwaysOnAirAndClonesPlain()
     QVERIFY(Cast::isEmitter(clone) && !std::dynamic_pointer_cast<ElintScenarioEmitter>(clone));
 }
 
-void tst_ScenarioObject::cloneAndCopyRefuseWhatTheyCannotTake()
+void tst_ScenarioObject::newEmitterIsOffAirAndRefusesWhatItCannotTake()
 {
     SzenarioEmitter plain(QStringLiteral("P"), QString());
+    QCOMPARE(plain.getFrequencyAt(0), 25e6);
+    QVERIFY(!plain.hasNetwork() && !plain.isLinked() && !plain.signalPackageAt(5));
+    QVERIFY(!plain.isActiveAt(1000) && !plain.isActiveAt(4294967295u));
+    QCOMPARE(plain.timeActiveAt(5), qint64(-1));
+    // Without a shared pointer to itself there is nothing to clone or to follow.
     QVERIFY(!plain.clone() && plain.affectedLinkedEmitter().isEmpty());
     QVERIFY(!ScenarioNetwork(QStringLiteral("N")).clone());
 
