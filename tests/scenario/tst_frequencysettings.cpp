@@ -147,7 +147,8 @@ void tst_FrequencySettings::frequencyAt()
     QFETCH(Hz, expected);
     for (int i = 0; i < expected.size(); ++i) {
         const double actual = settings->getFrequencyAt(time + i);
-        QVERIFY2(qAbs(actual - expected[i]) < 0.02, qPrintable(QString::number(actual, 'f', 4)));
+        const QString seen = QStringLiteral("%1 at %2").arg(actual, 0, 'f', 4).arg(time + i);
+        QVERIFY2(qAbs(actual - expected[i]) < 0.02, qPrintable(seen));
     }
 }
 

@@ -174,7 +174,7 @@ void tst_PositionSettings::queriesFollowEveryEditOfTheGeometry()
         [](PositionSettingsPtp &r) { r.setPoint(1, point(10.8, 48.05, true, 50.0)); },
         [](PositionSettingsPtp &r) { r.insertRowAfter(0, 2.0, QStringLiteral("between")); },
         [](PositionSettingsPtp &r) {
-            r.setPosition({ -70.0, -33.0 });
+            r.setPosition(TPos { -70.0, -33.0 });
         },
         [](PositionSettingsPtp &r) { r.removeRow(1); },
         [](PositionSettingsPtp &r) { r.setMovementSpeed(1, 120.0f); },
@@ -312,6 +312,7 @@ void tst_PositionSettings::removeRow()
     QCOMPARE(pair.getPoint(7).position.lat, 48.0);
     QCOMPARE(pair.length(), 0.0);
 }
+
 void tst_PositionSettings::insertRowAfter_data()
 {
     QTest::addColumn<int>("row");
