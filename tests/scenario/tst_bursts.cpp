@@ -11,12 +11,10 @@ class tst_Bursts : public QObject
 private Q_SLOTS:
     void ownTimetable_data();
     void ownTimetable();
-    void switchedOffEmitterStillCalculates();
     void networkTimetableDecidesForItsMembers();
     void linkTargetPositionLimitsTheWindow();
     void frequencyPiecesIntersectTheTimetable_data();
     void frequencyPiecesIntersectTheTimetable();
-    void elintFollowsItsTimetable();
     void streamedPiecesGiveTheListMerge_data();
     void streamedPiecesGiveTheListMerge();
 };
@@ -64,17 +62,6 @@ void tst_Bursts::ownTimetable()
     emitter->setPositionSettings(positionEndingAt(positionEnd));
     fill(emitter->emissionSettings(), table, broadcast ? 600000 : 1000, broadcast, emitter);
     QTEST(spans(emitter->calculateBursts(start, length, 1.0)), "expected");
-    releaseScenario({ emitter });
-}
-
-void tst_Bursts::switchedOffEmitterStillCalculates()
-{
-    const auto emitter = makeEmitter("E");
-    fill(emitter->emissionSettings(), { { 0, 200 }, { 400, 200 } }, 1000, false, emitter);
-    const QStringList on = spans(emitter->calculateBursts(100, 2000, 1.0));
-    emitter->setActive(false);
-    QCOMPARE(spans(emitter->calculateBursts(100, 2000, 1.0)), on);
-    QCOMPARE(on.size(), 5);
     releaseScenario({ emitter });
 }
 
@@ -136,16 +123,6 @@ void tst_Bursts::frequencyPiecesIntersectTheTimetable()
     fill(emitter->emissionSettings(), table, 100000, false, emitter);
     QTEST(spans(emitter->calculateBursts(start, length, 1.0)), "expected");
     releaseScenario({ emitter });
-}
-
-void tst_Bursts::elintFollowsItsTimetable()
-{
-    const auto elint = std::make_shared<ElintScenarioEmitter>(QStringLiteral("EL"), QString());
-    QVERIFY(elint->isActiveAt(500));
-    QVERIFY(elint->calculateBursts(0, 1000, 1.0).isEmpty());
-    fill(elint->emissionSettings(), { { 100, 100 } }, 1000, false, elint);
-    QCOMPARE(spans(elint->calculateBursts(0, 1000, 1.0)), QStringList { "100+100@25" });
-    releaseScenario({ elint });
 }
 
 // The merge over whole lists, cursor against cursor, as an independent reading of the rule.

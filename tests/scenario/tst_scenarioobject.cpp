@@ -54,6 +54,7 @@ void tst_ScenarioObject::switchedOffEmitterStillAnswers()
     QCOMPARE(emitter->getPositionAt(500).lat, 47.25);
     QCOMPARE(emitter->signalPackageAt(500), package);
     QCOMPARE(emitter->timeActiveAt(1500), qint64(500));
+    QCOMPARE(spans(emitter->calculateBursts(100, 200, 1.0)), QStringList { "100+200@25" });
     releaseScenario({ emitter });
 }
 
@@ -264,9 +265,14 @@ void tst_ScenarioObject::elintIsAlwaysOnAirAndClonesPlain()
     QVERIFY(elint->SetEDWFile(QStringLiteral("a.edw")));
     elint->setActive(false);
     QVERIFY(elint->isActiveAt(0) && elint->isActiveAt(123456));
+    // Its bursts follow the timetable all the same.
+    QVERIFY(elint->calculateBursts(0, 1000, 1.0).isEmpty());
+    fill(elint->emissionSettings(), { { 100, 100 } }, 1000, false, elint);
+    QCOMPARE(spans(elint->calculateBursts(0, 1000, 1.0)), QStringList { "100+100@25" });
     const auto clone = elint->clone();
     QCOMPARE(clone->id(), QStringLiteral("EL"));
     QVERIFY(Cast::isEmitter(clone) && !std::dynamic_pointer_cast<ElintScenarioEmitter>(clone));
+    releaseScenario({ elint, clone });
 }
 
 void tst_ScenarioObject::newEmitterIsOffAirAndRefusesWhatItCannotTake()
