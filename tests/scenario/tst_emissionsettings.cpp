@@ -26,7 +26,6 @@ private Q_SLOTS:
     void assignmentCopiesTheGraphDeeply();
     void hrActivities_data();
     void hrActivities();
-    void hrActivitiesFilterByEmitter();
     void queriesOnTwoTimetablesInParallel();
     void emissionAtDoesNotAllocate();
 };
@@ -256,22 +255,6 @@ void tst_EmissionSettings::hrActivities()
     EmissionSettings settings;
     fill(&settings, table, period, broadcast);
     QTEST(spans(settings.calculateHRActivities(nullptr, start, length)), "expected");
-}
-
-void tst_EmissionSettings::hrActivitiesFilterByEmitter()
-{
-    const auto a = makeEmitter("A"), b = makeEmitter("B");
-    EmissionSettings settings;
-    settings.setDuration(300);
-    addEntry(&settings, 0, 100, a);
-    addEntry(&settings, 100, 100, b);
-    addEntry(&settings, 200, 100, a);
-    QCOMPARE(spans(settings.calculateHRActivities(a.get(), 50, 400)),
-        (QStringList { "0+100", "200+100", "300+100" }));
-    QCOMPARE(spans(settings.calculateHRActivities(b.get(), 50, 400)),
-        (QStringList { "100+100", "400+50" }));
-    QCOMPARE(spans(settings.calculateHRActivities(nullptr, 250, 100)),
-        (QStringList { "200+100", "300+50" }));
 }
 
 void tst_EmissionSettings::queriesOnTwoTimetablesInParallel()
