@@ -8,6 +8,14 @@
 #include <radiosim/units/settings.h>
 
 #include <QStringList>
+#include <QTest>
+#include <QVector>
+
+// One row of a data table, the values in column order and of the columns' exact types.
+template <typename... Values> void row(const char *name, const Values &...values)
+{
+    (QTest::newRow(name) << ... << values);
+}
 
 // A slow hopper of one 25 MHz step that ends (INACTIVE) at `end`; a fixed 25 MHz for NoEnd.
 inline Simulation::IFrequencySettings *frequencyEndingAt(uint end)
@@ -46,9 +54,9 @@ inline Simulation::IFrequencySettings *tenStepHopper()
     return hopper;
 }
 
-inline std::shared_ptr<Simulation::SzenarioEmitter> makeEmitter(const QString &id)
+inline std::shared_ptr<Simulation::SzenarioEmitter> makeEmitter(const char *id)
 {
-    return std::make_shared<Simulation::SzenarioEmitter>(id, id);
+    return std::make_shared<Simulation::SzenarioEmitter>(QLatin1String(id), QLatin1String(id));
 }
 
 // Both sides of a membership, as the document reader sets them.
@@ -57,6 +65,24 @@ inline void join(const std::shared_ptr<Simulation::ScenarioNetwork> &network,
 {
     network->addEmitter(member);
     member->setScenarioNetwork(network);
+}
+
+// Network "N" that the members have joined.
+inline std::shared_ptr<Simulation::ScenarioNetwork> makeNetwork(
+    std::initializer_list<std::shared_ptr<Simulation::SzenarioEmitter>> members = {})
+{
+    const auto network = std::make_shared<Simulation::ScenarioNetwork>(QStringLiteral("N"));
+    for (const auto &member : members)
+        join(network, member);
+    return network;
+}
+
+// Both sides of a link, as the document reader sets them.
+inline void link(const std::shared_ptr<Simulation::SzenarioEmitter> &emitter,
+    const std::shared_ptr<Simulation::SzenarioEmitter> &target)
+{
+    emitter->setLinkTargetEmitter(target);
+    target->addLinkedEmitter(emitter);
 }
 
 inline boost::shared_ptr<Simulation::EmissionSettings::Emission> addEntry(
@@ -69,6 +95,18 @@ inline boost::shared_ptr<Simulation::EmissionSettings::Emission> addEntry(
     emission->emitter = emitter;
     settings->addEmission(emission);
     return emission;
+}
+
+// Entries as (start, length) pairs.
+using Table = QVector<QPair<qint64, qint64>>;
+
+inline void fill(Simulation::EmissionSettings *settings, const Table &table, qint64 period,
+    bool broadcast, const std::shared_ptr<Simulation::SzenarioEmitter> &emitter = nullptr)
+{
+    settings->setBroadcast(broadcast);
+    settings->setDuration(period);
+    for (const auto &entry : table)
+        addEntry(settings, entry.first, entry.second, emitter);
 }
 
 // "begin+length" per record, with "@MHz" when the frequency is set, so that one comparison

@@ -1,5 +1,6 @@
+#include "scenariotesthelpers.h"
+
 #include <radiosim/platform/msrand.h>
-#include <radiosim/scenario/frequencysettings.h>
 
 #include <QtTest>
 
@@ -12,8 +13,8 @@
 using namespace Simulation;
 
 using Settings = std::shared_ptr<IFrequencySettings>;
+using Hz = QVector<double>;
 Q_DECLARE_METATYPE(Settings)
-Q_DECLARE_METATYPE(EndBehaviourType)
 using SlowEdit = std::function<void(FrequencySettings_SlowHopper &)>;
 Q_DECLARE_METATYPE(SlowEdit)
 using FastEdit = std::function<void(FrequencySettings_FastHopper &)>;
@@ -68,11 +69,12 @@ Settings fastHopper(
     return h;
 }
 
-// Two steps of 100 ms: 1 MHz, then 2 MHz.
-std::shared_ptr<FrequencySettings_SlowHopper> slowHopper(EndBehaviourType end = EndRestart)
+// By default two steps of 100 ms: 1 MHz, then 2 MHz.
+std::shared_ptr<FrequencySettings_SlowHopper> slowHopper(EndBehaviourType end = EndRestart,
+    const QList<FrequencyStep> &steps = { { 1e6, 100 }, { 2e6, 100 } })
 {
     auto h = std::make_shared<FrequencySettings_SlowHopper>();
-    h->setFrequencySteps({ { 1e6, 100 }, { 2e6, 100 } });
+    h->setFrequencySteps(steps);
     h->setEndBehavior(end);
     return h;
 }
@@ -92,55 +94,62 @@ private Q_SLOTS:
     void faultyInputGivesNeutralResults();
     void centreMovesTheWholeBehaviour_data();
     void centreMovesTheWholeBehaviour();
-    void fastHopperChannelList_data();
-    void fastHopperChannelList();
     void fastHopperRebuildsExactlyWhenShapeChanges_data();
     void fastHopperRebuildsExactlyWhenShapeChanges();
     void newObjectsDrawTheirPhaseFromTheGenerator();
     void slowHopperTableEditing_data();
     void slowHopperTableEditing();
-    void slowHopperEnd_data();
-    void slowHopperEnd();
     void slowHopperLengthStaysStaleAfterInsertAndRemove();
     void equalAndClone_data();
     void equalAndClone();
 };
 
+// Frequencies from `time` on, one per ms.
 void tst_FrequencySettings::frequencyAt_data()
 {
     QTest::addColumn<Settings>("settings");
     QTest::addColumn<uint>("time");
-    QTest::addColumn<double>("expected");
+    QTest::addColumn<Hz>("expected");
     const auto c = chirp(24e6, 26e6);
-    QTest::newRow("chirp mid sweep") << c << 500u << 25000000.0;
-    QTest::newRow("chirp jumps back") << c << 1000u << 24000000.0;
-    QTest::newRow("chirp float phase") << c << 999u << 25998000.03;
-    QTest::newRow("chirp falling") << chirp(26e6, 24e6) << 250u << 25500000.0;
-    QTest::newRow("chirp offset restarts sweep") << chirp(24e6, 26e6, 1000, 0.5f) << 500u << 24e6;
+    row("chirp mid sweep", c, 500u, Hz { 25e6 });
+    row("chirp float phase, jump back", c, 999u, Hz { 25998000.03, 24e6 });
+    row("chirp falling", chirp(26e6, 24e6), 250u, Hz { 25.5e6 });
+    row("chirp offset restarts sweep", chirp(24e6, 26e6, 1000, 0.5f), 500u, Hz { 24e6 });
     // (2^32 - 500) % 1000 = 796
-    QTest::newRow("chirp below offset wraps") << chirp(24e6, 26e6, 1000, 0.5f) << 0u << 25592000.0;
+    row("chirp below offset wraps", chirp(24e6, 26e6, 1000, 0.5f), 0u, Hz { 25592000 });
     // 16777217 is not a float: it reads as 16777216, phase 216 instead of 217.
-    QTest::newRow("chirp time through float") << c << 16777217u << 24432000.0;
+    row("chirp time through float", c, 16777217u, Hz { 24432000 });
+    // At 1000 hops per second and no offset, ms t reads channel t.
+    row("four channels", fastHopper(0, 4, 4, 0), 0u, Hz { 0, 2, 1, 3 });
+    row("ten channels, set 7", fastHopper(1000, 2000, 10, 7), 0u,
+        Hz { 1000, 1500, 1300, 1700, 1100, 1200, 1400, 1900, 1600, 1800 });
+    row("thousand channels", fastHopper(44500000, 46500000, 1000, 0), 0u,
+        Hz { 46342000, 46108000, 46332000, 44646000 });
+    // Partners beyond the end wrap to the front when n exceeds the generator's 32768 values.
+    row("more channels than draws", fastHopper(0, 100000, 100000, 5), 0u,
+        Hz { 37731, 33725, 20912, 83391 });
+    row("one channel", fastHopper(5, 6, 1, 3), 0u, Hz { 5 });
     const auto h = fastHopper(1000, 2000, 10, 7, 100);
-    QTest::newRow("hopper second hop") << h << 25u << 1300.0;
-    QTest::newRow("hopper repeats after count") << h << 1030u << 1700.0;
+    row("hopper second hop", h, 25u, Hz { 1300 });
+    row("hopper repeats after count", h, 1030u, Hz { 1700 });
     // -5 wraps to 4294967291, which float makes 2^32; / 10 rounds to 429496736, entry 6.
-    QTest::newRow("hopper below offset wraps")
-        << fastHopper(1000, 2000, 10, 7, 100, 0.5f) << 0u << 1400.0;
-    const auto restart = slowHopper(EndRestart);
-    QTest::newRow("slow restart") << Settings(restart) << 250u << 1e6;
-    QTest::newRow("slow restart at total") << Settings(restart) << 200u << 1e6;
-    QTest::newRow("slow last ms") << Settings(restart) << 199u << 2e6;
-    QTest::newRow("slow stop") << Settings(slowHopper(EndStop)) << 250u << 2e6;
+    row("hopper below offset wraps", fastHopper(1000, 2000, 10, 7, 100, 0.5f), 0u, Hz { 1400 });
+    const Settings restart = slowHopper(EndRestart);
+    row("slow last ms, restart at total", restart, 199u, Hz { 2e6, 1e6 });
+    row("slow restart", restart, 250u, Hz { 1e6 });
+    row("slow stop", Settings(slowHopper(EndStop)), 250u, Hz { 2e6 });
 }
 
 void tst_FrequencySettings::frequencyAt()
 {
     QFETCH(Settings, settings);
     QFETCH(uint, time);
-    QFETCH(double, expected);
-    const double actual = settings->getFrequencyAt(time);
-    QVERIFY2(qAbs(actual - expected) < 0.02, qPrintable(QString::number(actual, 'f', 4)));
+    QFETCH(Hz, expected);
+    for (int i = 0; i < expected.size(); ++i) {
+        const double actual = settings->getFrequencyAt(time + i);
+        const QString seen = QStringLiteral("%1 at %2").arg(actual, 0, 'f', 4).arg(time + i);
+        QVERIFY2(qAbs(actual - expected[i]) < 0.02, qPrintable(seen));
+    }
 }
 
 void tst_FrequencySettings::activities_data()
@@ -151,36 +160,30 @@ void tst_FrequencySettings::activities_data()
     QTest::addColumn<double>("resolution");
     QTest::addColumn<QString>("expected");
     const auto c = chirp(24e6, 26e6);
-    QTest::newRow("chirp step 1") << c << 100u << 3u << 2000.0
-                                  << "100+1@24200000;101+1@24202000;102+1@24204000";
-    QTest::newRow("chirp last step passes end")
-        << c << 100u << 4u << 4500.0 << "100+3@24200000;103+3@24206000";
-    QTest::newRow("chirp empty window") << c << 100u << 0u << 1000.0 << "";
+    row("chirp step 1", c, 100u, 3u, 2000.0, "100+1@24200000;101+1@24202000;102+1@24204000");
+    row("chirp last step passes end", c, 100u, 4u, 4500.0, "100+3@24200000;103+3@24206000");
+    row("chirp empty window", c, 100u, 0u, 1000.0, "");
     // Channels 0, 2, 1, 3; 10 ms hops.
-    QTest::newRow("hopper zero head")
-        << fastHopper(0, 4, 4, 0, 100) << 0u << 25u << 0.0 << "0+0@0;0+10@0;10+10@2;20+5@1";
-    QTest::newRow("hopper offset head")
-        << fastHopper(0, 4, 4, 0, 100, 0.5f) << 100u << 20u << 0.0 << "100+5@2;105+10@1;115+5@3";
-    QTest::newRow("hopper slot behind end wraps") << fastHopper(0, 4, 4, 0, 100,
-        0.5f) << 100u << 12u << 0.0 << "100+5@2;105+7@1;115+4294967293@0";
+    row("hopper zero head", fastHopper(0, 4, 4, 0, 100), 0u, 25u, 0.0,
+        "0+0@0;0+10@0;10+10@2;20+5@1");
+    const Settings offset = fastHopper(0, 4, 4, 0, 100, 0.5f);
+    row("hopper offset head", offset, 100u, 20u, 0.0, "100+5@2;105+10@1;115+5@3");
+    row("hopper slot behind end wraps", offset, 100u, 12u, 0.0, "100+5@2;105+7@1;115+4294967293@0");
     // Pieces of 4 ms, channels chosen on the exact 3.33 ms grid.
-    QTest::newRow("hopper rounded hop")
-        << fastHopper(0, 4, 4, 0, 300) << 0u << 10u << 0.0 << "0+0@0;0+4@0;4+4@2;8+2@1";
+    row("hopper rounded hop", fastHopper(0, 4, 4, 0, 300), 0u, 10u, 0.0, "0+0@0;0+4@0;4+4@2;8+2@1");
     const auto restart = Settings(slowHopper(EndRestart));
-    QTest::newRow("slow restart") << restart << 150u << 100u << 0.0
-                                  << "150+50@2000000;200+50@1000000";
-    QTest::newRow("slow restart repeats") << restart << 0u << 450u << 0.0
-                                          << "0+100@1000000;100+100@2000000;200+100@1000000;"
-                                             "300+100@2000000;400+50@1000000";
-    QTest::newRow("slow restart empty") << restart << 0u << 0u << 0.0 << "";
+    row("slow restart", restart, 150u, 100u, 0.0, "150+50@2000000;200+50@1000000");
+    row("slow restart repeats", restart, 0u, 450u, 0.0,
+        "0+100@1000000;100+100@2000000;200+100@1000000;"
+        "300+100@2000000;400+50@1000000");
+    row("slow restart empty", restart, 0u, 0u, 0.0, "");
     const auto stop = Settings(slowHopper(EndStop));
-    QTest::newRow("slow stop stretches") << stop << 150u << 100u << 0.0 << "150+100@2000000";
-    QTest::newRow("slow stop after end") << stop << 300u << 10u << 0.0 << "300+10@2000000";
-    QTest::newRow("slow stop at total restarts") << stop << 200u << 50u << 0.0 << "200+50@1000000";
+    row("slow stop stretches", stop, 150u, 100u, 0.0, "150+100@2000000");
+    row("slow stop after end", stop, 300u, 10u, 0.0, "300+10@2000000");
+    row("slow stop at total restarts", stop, 200u, 50u, 0.0, "200+50@1000000");
     const auto inactive = Settings(slowHopper(EndInactive));
-    QTest::newRow("slow inactive stretches")
-        << inactive << 150u << 100u << 0.0 << "150+100@2000000";
-    QTest::newRow("slow inactive after end") << inactive << 300u << 10u << 0.0 << "";
+    row("slow inactive stretches", inactive, 150u, 100u, 0.0, "150+100@2000000");
+    row("slow inactive after end", inactive, 300u, 10u, 0.0, "");
 }
 
 void tst_FrequencySettings::activities()
@@ -198,26 +201,21 @@ void tst_FrequencySettings::faultyInputGivesNeutralResults_data()
     QTest::addColumn<Settings>("settings");
     QTest::addColumn<double>("resolution");
     QTest::addColumn<double>("frequency");
-    QTest::newRow("chirp resolution 0") << chirp(24e6, 26e6) << 0.0 << 24e6;
-    QTest::newRow("chirp resolution NaN") << chirp(24e6, 26e6) << qQNaN() << 24e6;
-    QTest::newRow("chirp equal frequencies") << chirp(25e6, 25e6) << 1000.0 << 25e6;
-    QTest::newRow("chirp duration 0") << chirp(24e6, 26e6, 0) << 1000.0 << 0.0;
-    QTest::newRow("hopper count 0") << fastHopper(0, 4, 0, 0) << 0.0 << 0.0;
-    QTest::newRow("hopper rate 0") << fastHopper(0, 4, 4, 0, 0) << 0.0 << 0.0;
-    auto empty = std::make_shared<FrequencySettings_SlowHopper>();
-    empty->setFrequencySteps({});
-    QTest::newRow("slow empty table") << Settings(empty) << 0.0 << 0.0;
-    auto zero = std::make_shared<FrequencySettings_SlowHopper>();
-    zero->setFrequencySteps({ { 1e6, 0 }, { 2e6, 0 } });
-    QTest::newRow("slow zero length") << Settings(zero) << 0.0 << 2e6;
+    row("chirp resolution 0", chirp(24e6, 26e6), 0.0, 24e6);
+    row("chirp resolution NaN", chirp(24e6, 26e6), qQNaN(), 24e6);
+    row("chirp equal frequencies", chirp(25e6, 25e6), 1000.0, 25e6);
+    row("chirp duration 0", chirp(24e6, 26e6, 0), 1000.0, 0.0);
+    row("hopper count 0", fastHopper(0, 4, 0, 0), 0.0, 0.0);
+    row("hopper rate 0", fastHopper(0, 4, 4, 0, 0), 0.0, 0.0);
+    row("slow empty table", Settings(slowHopper(EndRestart, {})), 0.0, 0.0);
+    const Settings zero = slowHopper(EndRestart, { { 1e6, 0 }, { 2e6, 0 } });
+    row("slow zero length", zero, 0.0, 2e6);
     // The cached length of 100 outlives the only step that had a duration.
-    auto stale = std::make_shared<FrequencySettings_SlowHopper>();
-    stale->setFrequencySteps({ { 1e6, 0 }, { 2e6, 100 } });
-    stale->setEndBehavior(EndInactive);
+    const auto stale = slowHopper(EndInactive, { { 1e6, 0 }, { 2e6, 100 } });
     stale->activeUntil();
     stale->setEndBehavior(EndRestart);
     stale->removeStep(1);
-    QTest::newRow("slow stale length over zero table") << Settings(stale) << 0.0 << 1e6;
+    row("slow stale length over zero table", Settings(stale), 0.0, 1e6);
 }
 
 void tst_FrequencySettings::faultyInputGivesNeutralResults()
@@ -239,11 +237,11 @@ void tst_FrequencySettings::centreMovesTheWholeBehaviour_data()
     QTest::addColumn<Settings>("settings");
     QTest::addColumn<double>("minimum");
     QTest::addColumn<double>("maximum");
-    QTest::newRow("chirp") << chirp(24e6, 26e6) << 99e6 << 101e6;
-    QTest::newRow("falling chirp") << chirp(26e6, 24e6) << 99e6 << 101e6;
-    QTest::newRow("fast hopper") << fastHopper(24e6, 26e6, 4, 0) << 99e6 << 101e6;
+    row("chirp", chirp(24e6, 26e6), 99e6, 101e6);
+    row("falling chirp", chirp(26e6, 24e6), 99e6, 101e6);
+    row("fast hopper", fastHopper(24e6, 26e6, 4, 0), 99e6, 101e6);
     // The first step lands on the centre, the second keeps its distance.
-    QTest::newRow("slow hopper") << Settings(slowHopper()) << 100e6 << 101e6;
+    row("slow hopper", Settings(slowHopper()), 100e6, 101e6);
 }
 
 void tst_FrequencySettings::centreMovesTheWholeBehaviour()
@@ -252,33 +250,6 @@ void tst_FrequencySettings::centreMovesTheWholeBehaviour()
     settings->setCenterFrequency(100e6);
     QTEST(settings->getMinimumFrequency(), "minimum");
     QTEST(settings->getMaximumFrequency(), "maximum");
-    QCOMPARE(settings->getCenterFrequency(), 100e6);
-}
-
-// At 1000 hops per second and no offset, ms t reads channel t.
-void tst_FrequencySettings::fastHopperChannelList_data()
-{
-    QTest::addColumn<Settings>("hopper");
-    QTest::addColumn<QVector<double>>("head");
-    QTest::newRow("four channels") << fastHopper(0, 4, 4, 0) << QVector<double> { 0, 2, 1, 3 };
-    QTest::newRow("ten channels, set 7") << fastHopper(1000, 2000, 10,
-        7) << QVector<double> { 1000, 1500, 1300, 1700, 1100, 1200, 1400, 1900, 1600, 1800 };
-    QTest::newRow("thousand channels") << fastHopper(
-        44500000, 46500000, 1000, 0) << QVector<double> { 46342000, 46108000, 46332000, 44646000 };
-    // Partners beyond the end wrap to the front when n exceeds the generator's 32768 values.
-    QTest::newRow("more channels than draws")
-        << fastHopper(0, 100000, 100000, 5) << QVector<double> { 37731, 33725, 20912, 83391 };
-    QTest::newRow("one channel") << fastHopper(5, 6, 1, 3) << QVector<double> { 5 };
-}
-
-void tst_FrequencySettings::fastHopperChannelList()
-{
-    QFETCH(Settings, hopper);
-    QFETCH(QVector<double>, head);
-    QVector<double> actual;
-    for (int i = 0; i < head.size(); ++i)
-        actual << hopper->getFrequencyAt(uint(i));
-    QCOMPARE(actual, head);
 }
 
 void tst_FrequencySettings::fastHopperRebuildsExactlyWhenShapeChanges_data()
@@ -286,11 +257,11 @@ void tst_FrequencySettings::fastHopperRebuildsExactlyWhenShapeChanges_data()
     QTest::addColumn<FastEdit>("edit");
     QTest::addColumn<bool>("rebuilds");
     using H = FrequencySettings_FastHopper;
-    QTest::newRow("same set") << FastEdit([](H &h) { h.setHoppSet(7); }) << true;
-    QTest::newRow("same count") << FastEdit([](H &h) { h.setHoppCount(10); }) << true;
-    QTest::newRow("same rate") << FastEdit([](H &h) { h.setHoppRate(1000); }) << true;
-    QTest::newRow("same centre") << FastEdit([](H &h) { h.setCenterFrequency(1500); }) << true;
-    QTest::newRow("offset") << FastEdit([](H &h) { h.setTimeslotOffset(0); }) << false;
+    row("same set", FastEdit([](H &h) { h.setHoppSet(7); }), true);
+    row("same count", FastEdit([](H &h) { h.setHoppCount(10); }), true);
+    row("same rate", FastEdit([](H &h) { h.setHoppRate(1000); }), true);
+    row("same centre", FastEdit([](H &h) { h.setCenterFrequency(1500); }), true);
+    row("offset", FastEdit([](H &h) { h.setTimeslotOffset(0); }), false);
 }
 
 void tst_FrequencySettings::fastHopperRebuildsExactlyWhenShapeChanges()
@@ -323,18 +294,16 @@ void tst_FrequencySettings::slowHopperTableEditing_data()
     QTest::addColumn<SlowEdit>("edit");
     QTest::addColumn<QString>("expected");
     using H = FrequencySettings_SlowHopper;
-    QTest::newRow("remove first") << SlowEdit([](H &h) { h.removeStep(0); }) << "1/100;2/100";
-    QTest::newRow("remove second") << SlowEdit([](H &h) { h.removeStep(1); }) << "1/100";
-    QTest::newRow("insert behind")
-        << SlowEdit([](H &h) { h.insertStep(0); }) << "1/100;1/100;2/100";
-    QTest::newRow("append") << SlowEdit([](H &h) { h.insertStep(-1); }) << "1/100;2/100;2/100";
-    QTest::newRow("insert beyond") << SlowEdit([](H &h) { h.insertStep(2); }) << "1/100;2/100";
-    QTest::newRow("start earlier") << SlowEdit([](H &h) { h.setTime(1, 50); }) << "1/50;2/100";
-    QTest::newRow("start later") << SlowEdit([](H &h) { h.setTime(1, 180); }) << "1/180;2/100";
-    QTest::newRow("start at previous") << SlowEdit([](H &h) { h.setTime(1, 0); }) << "1/100;2/100";
-    QTest::newRow("start of first") << SlowEdit([](H &h) { h.setTime(0, 50); }) << "1/100;2/100";
-    QTest::newRow("duration beyond")
-        << SlowEdit([](H &h) { h.setDuration(2, 7); }) << "1/100;2/100";
+    row("remove first", SlowEdit([](H &h) { h.removeStep(0); }), "1/100;2/100");
+    row("remove second", SlowEdit([](H &h) { h.removeStep(1); }), "1/100");
+    row("insert behind", SlowEdit([](H &h) { h.insertStep(0); }), "1/100;1/100;2/100");
+    row("append", SlowEdit([](H &h) { h.insertStep(-1); }), "1/100;2/100;2/100");
+    row("insert beyond", SlowEdit([](H &h) { h.insertStep(2); }), "1/100;2/100");
+    row("start earlier", SlowEdit([](H &h) { h.setTime(1, 50); }), "1/50;2/100");
+    row("start later", SlowEdit([](H &h) { h.setTime(1, 180); }), "1/180;2/100");
+    row("start at previous", SlowEdit([](H &h) { h.setTime(1, 0); }), "1/100;2/100");
+    row("start of first", SlowEdit([](H &h) { h.setTime(0, 50); }), "1/100;2/100");
+    row("duration beyond", SlowEdit([](H &h) { h.setDuration(2, 7); }), "1/100;2/100");
 }
 
 void tst_FrequencySettings::slowHopperTableEditing()
@@ -348,30 +317,15 @@ void tst_FrequencySettings::slowHopperTableEditing()
     QTEST(steps.join(QLatin1Char(';')), "expected");
 }
 
-void tst_FrequencySettings::slowHopperEnd_data()
-{
-    QTest::addColumn<EndBehaviourType>("end");
-    QTest::addColumn<uint>("activeUntil");
-    QTest::addColumn<bool>("activeAt200");
-    QTest::addColumn<bool>("activeAt201");
-    QTest::newRow("stop") << EndStop << NoEnd << true << true;
-    QTest::newRow("restart") << EndRestart << NoEnd << true << true;
-    QTest::newRow("inactive") << EndInactive << 200u << true << false;
-}
-
-void tst_FrequencySettings::slowHopperEnd()
-{
-    QFETCH(EndBehaviourType, end);
-    const auto h = slowHopper(end);
-    QTEST(h->activeUntil(), "activeUntil");
-    QTEST(h->isActiveAt(200), "activeAt200");
-    QTEST(h->isActiveAt(201), "activeAt201");
-}
-
 void tst_FrequencySettings::slowHopperLengthStaysStaleAfterInsertAndRemove()
 {
+    for (EndBehaviourType end : { EndStop, EndRestart }) {
+        QCOMPARE(slowHopper(end)->activeUntil(), NoEnd);
+        QVERIFY(slowHopper(end)->isActiveAt(201));
+    }
     const auto h = slowHopper(EndInactive);
     QCOMPARE(h->activeUntil(), 200u);
+    QVERIFY(h->isActiveAt(200) && !h->isActiveAt(201));
     h->insertStep(0);
     QCOMPARE(h->activeUntil(), 200u);
     QCOMPARE(flatten(h->calculateHRActivities(250, 10, 0)), QString());
@@ -393,25 +347,24 @@ void tst_FrequencySettings::equalAndClone_data()
     QTest::addColumn<Settings>("a");
     QTest::addColumn<Settings>("b");
     QTest::addColumn<bool>("equal");
-    QTest::newRow("chirp phase only") << chirp(24e6, 26e6, 1000, 0.1f) << chirp(24e6, 26e6) << true;
-    QTest::newRow("chirp within float step") << chirp(1e9, 2e9) << chirp(1e9 + 20, 2e9) << true;
-    QTest::newRow("chirp start") << chirp(24e6, 26e6) << chirp(24.001e6, 26e6) << false;
-    QTest::newRow("chirp duration") << chirp(24e6, 26e6) << chirp(24e6, 26e6, 999) << false;
-    QTest::newRow("hopper phase only")
-        << fastHopper(0, 4, 4, 0, 100, 0.3f) << fastHopper(0, 4, 4, 0, 100) << true;
-    QTest::newRow("hopper set") << fastHopper(0, 4, 4, 0) << fastHopper(0, 4, 4, 1) << false;
-    QTest::newRow("hopper maximum") << fastHopper(0, 4, 4, 0) << fastHopper(0, 5, 4, 0) << false;
-    QTest::newRow("slow end behaviour")
-        << Settings(slowHopper(EndStop)) << Settings(slowHopper(EndRestart)) << true;
+    row("chirp phase only", chirp(24e6, 26e6, 1000, 0.1f), chirp(24e6, 26e6), true);
+    row("chirp within float step", chirp(1e9, 2e9), chirp(1e9 + 20, 2e9), true);
+    row("chirp start", chirp(24e6, 26e6), chirp(24.001e6, 26e6), false);
+    row("chirp duration", chirp(24e6, 26e6), chirp(24e6, 26e6, 999), false);
+    row("hopper phase only", fastHopper(0, 4, 4, 0, 100, 0.3f), fastHopper(0, 4, 4, 0, 100), true);
+    row("hopper set", fastHopper(0, 4, 4, 0), fastHopper(0, 4, 4, 1), false);
+    row("hopper maximum", fastHopper(0, 4, 4, 0), fastHopper(0, 5, 4, 0), false);
+    row("slow end behaviour", Settings(slowHopper(EndStop)), Settings(slowHopper(EndRestart)),
+        true);
     auto longer = slowHopper();
     longer->setDuration(1, 101);
-    QTest::newRow("slow duration") << Settings(slowHopper()) << Settings(longer) << false;
+    row("slow duration", Settings(slowHopper()), Settings(longer), false);
     auto more = slowHopper();
     more->insertStep(-1);
-    QTest::newRow("slow rows") << Settings(slowHopper()) << Settings(more) << false;
-    QTest::newRow("chirp and hopper") << chirp(0, 4) << fastHopper(0, 4, 4, 0) << false;
-    QTest::newRow("slow and fixed")
-        << Settings(slowHopper()) << Settings(std::make_shared<FrequencySettingsFixed>()) << false;
+    row("slow rows", Settings(slowHopper()), Settings(more), false);
+    row("chirp and hopper", chirp(0, 4), fastHopper(0, 4, 4, 0), false);
+    row("slow and fixed", Settings(slowHopper()),
+        Settings(std::make_shared<FrequencySettingsFixed>()), false);
 }
 
 void tst_FrequencySettings::equalAndClone()

@@ -19,11 +19,7 @@ class tst_ScenarioTiming : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void init()
-    {
-        m_clock.now = 0;
-        ScenarioTimingHelper::setClock(&m_clock);
-    }
+    void init() { ScenarioTimingHelper::setClock(&m_clock); }
     void cleanup() { ScenarioTimingHelper::setClock(nullptr); }
     void noiseCompareIsFuzzyButZeroIsExact_data();
     void noiseCompareIsFuzzyButZeroIsExact();
@@ -71,62 +67,43 @@ void tst_ScenarioTiming::noiseCompareIsFuzzyButZeroIsExact()
     QVERIFY(changed == ScenarioNoiseSettings());
 }
 
-// Each step is (clock in µs, action, argument): 's' starts at the clock with the argument as
-// scenario time, 'p' pauses at the argument, 'x' stops, '-' only reads.
+// Steps "action clock(µs) argument(ms) time(ms) flags": 's' starts at the clock with the argument
+// as scenario time, 'p' pauses at the argument, 'x' stops, '-' only reads; flags are P(aused)
+// and S(topped).
 void tst_ScenarioTiming::clockStates_data()
 {
-    QTest::addColumn<QString>("actions");
-    QTest::addColumn<QList<quint64>>("clock");
-    QTest::addColumn<QList<uint>>("arguments");
-    QTest::addColumn<QList<uint>>("times");
-    QTest::addColumn<QString>("states");
-    QTest::newRow("new helper") << "-" << QList<quint64> { 123456789 } << QList<uint> { 0 }
-                                << QList<uint> { 0 } << "PS";
-    QTest::newRow("start at 2000 ms")
-        << "s--" << QList<quint64> { 5000000, 6000000, 6000999 } << QList<uint> { 2000, 0, 0 }
-        << QList<uint> { 2000, 3000, 3000 } << "......";
-    QTest::newRow("pause while running")
-        << "sp-" << QList<quint64> { 1000000, 2000000, 900000000 } << QList<uint> { 0, 7000, 0 }
-        << QList<uint> { 0, 7000, 7000 } << "..P.P.";
-    QTest::newRow("pause while stopped")
-        << "p-" << QList<quint64> { 0, 900000000 } << QList<uint> { 7000, 0 }
-        << QList<uint> { 7000, 7000 } << "PSPS";
-    QTest::newRow("stop resets") << "spx-" << QList<quint64> { 1000000, 2000000, 3000000, 9000000 }
-                                 << QList<uint> { 0, 7000, 0, 0 } << QList<uint> { 0, 7000, 0, 0 }
-                                 << "..P.PSPS";
-    QTest::newRow("resume after pause")
-        << "sps-" << QList<quint64> { 10000000, 14000000, 60000000, 60500000 }
-        << QList<uint> { 0, 4000, 4000, 0 } << QList<uint> { 0, 4000, 4000, 4500 } << "..P.....";
+    QTest::addColumn<QString>("steps");
+    QTest::newRow("new helper") << "- 123456789 0 0 PS";
+    QTest::newRow("start at 2000 ms") << "s 5000000 2000 2000 .., - 6000000 0 3000 .., "
+                                         "- 6000999 0 3000 ..";
+    QTest::newRow("pause while running") << "s 1000000 0 0 .., p 2000000 7000 7000 P., "
+                                            "- 900000000 0 7000 P.";
+    QTest::newRow("pause while stopped") << "p 0 7000 7000 PS, - 900000000 0 7000 PS";
+    QTest::newRow("stop resets") << "s 1000000 0 0 .., p 2000000 7000 7000 P., "
+                                    "x 3000000 0 0 PS, - 9000000 0 0 PS";
+    QTest::newRow("resume after pause") << "s 10000000 0 0 .., p 14000000 4000 4000 P., "
+                                           "s 60000000 4000 4000 .., - 60500000 0 4500 ..";
 }
 
 void tst_ScenarioTiming::clockStates()
 {
-    QFETCH(QString, actions);
-    QFETCH(QList<quint64>, clock);
-    QFETCH(QList<uint>, arguments);
-    QFETCH(QList<uint>, times);
-    QFETCH(QString, states);
+    QFETCH(QString, steps);
     ScenarioTimingHelper helper;
-    QString seen;
-    for (int i = 0; i < actions.size(); ++i) {
-        m_clock.now = clock[i];
-        switch (actions[i].toLatin1()) {
-        case 's':
-            helper.startScenarioTime(clock[i], arguments[i]);
-            break;
-        case 'p':
-            helper.pauseScenarioTime(arguments[i]);
-            break;
-        case 'x':
+    for (const QString &step : steps.split(QStringLiteral(", "))) {
+        const QStringList f = step.split(QLatin1Char(' '));
+        m_clock.now = f[1].toULongLong();
+        if (f[0] == QLatin1String("s"))
+            helper.startScenarioTime(m_clock.now, f[2].toUInt());
+        else if (f[0] == QLatin1String("p"))
+            helper.pauseScenarioTime(f[2].toUInt());
+        else if (f[0] == QLatin1String("x"))
             helper.stopScenarioTime();
-            break;
-        }
-        QCOMPARE(helper.scenarioTime(), times[i]);
-        QCOMPARE(helper.scenarioStartTime(), 0u);
-        seen += QLatin1Char(helper.isPaused() ? 'P' : '.');
-        seen += QLatin1Char(helper.isStopped() ? 'S' : '.');
+        QCOMPARE(helper.scenarioTime(), f[3].toUInt());
+        QCOMPARE(QStringLiteral("%1%2")
+                     .arg(helper.isPaused() ? 'P' : '.')
+                     .arg(helper.isStopped() ? 'S' : '.'),
+            f[4]);
     }
-    QCOMPARE(seen, states);
 }
 
 void tst_ScenarioTiming::bothConversionsTruncateDifferently()
