@@ -5,6 +5,7 @@
 
 #include <QtTest>
 
+#include <random>
 #include <thread>
 
 using namespace Simulation;
@@ -20,6 +21,8 @@ private Q_SLOTS:
     void emissionAtCoversFromJustBehindStartToEnd();
     void tableStaysSortedByStart();
     void startChangedInPlaceIsFollowed();
+    void lookupsAgreeWithAFullSearch_data();
+    void lookupsAgreeWithAFullSearch();
     void setDuration();
     void makeContinousActiveKeepsThePackage();
     void removalCascadesThroughEmptyGroupsOnly();
@@ -100,6 +103,85 @@ void tst_EmissionSettings::startChangedInPlaceIsFollowed()
     QCOMPARE(settings.emissionAt(121), moved);
     QCOMPARE(settings.timeActiveAt(170), qint64(50));
     QCOMPARE(spans(settings.calculateHRActivities(nullptr, 0, 200)), QStringList { "120+50" });
+}
+
+void tst_EmissionSettings::lookupsAgreeWithAFullSearch_data()
+{
+    QTest::addColumn<quint64>("spread");
+    QTest::addColumn<qint64>("offset");
+    QTest::addColumn<qint64>("period");
+    QTest::newRow("dense") << quint64(1000) << qint64(0) << qint64(0);
+    QTest::newRow("few distinct starts") << quint64(5) << qint64(0) << qint64(3000);
+    QTest::newRow("around zero") << quint64(4000000000) << qint64(-1000) << qint64(0);
+    QTest::newRow("whole signed range") << quint64(0) << qint64(0) << qint64(0);
+}
+
+// Random edits, including starts moved in place between their neighbours, each followed by
+// lookups at and around the starts and at random times, against a plain lower bound over the
+// live entries.
+void tst_EmissionSettings::lookupsAgreeWithAFullSearch()
+{
+    QFETCH(quint64, spread);
+    QFETCH(qint64, offset);
+    QFETCH(qint64, period);
+    std::mt19937_64 random(11);
+    auto someStart = [&] {
+        return spread ? qint64(random() % spread) * (spread < 10 ? 1000 : 1) + offset
+                      : qint64(random());
+    };
+    EmissionSettings table;
+    table.setDuration(period);
+    auto expected = [&table](uint time) -> EmissionPointer {
+        qint64 key = time;
+        if (table.duration() > 0)
+            key %= table.duration();
+        const auto &entries = table.emissions();
+        const auto found = std::lower_bound(entries.cbegin(), entries.cend(), key,
+            [](const EmissionPointer &entry, qint64 value) { return entry->start < value; });
+        if (found == entries.cbegin())
+            return {};
+        const EmissionPointer &before = *(found - 1);
+        return qint64(quint64(before->start) + quint64(before->duration)) >= key
+            ? before
+            : EmissionPointer();
+    };
+    for (int step = 0; step < 3000; ++step) {
+        const auto &entries = table.emissions();
+        const int at = entries.isEmpty() ? 0 : int(random() % uint(entries.size()));
+        switch (entries.isEmpty() ? 0 : random() % 5) {
+        case 0:
+        case 1: {
+            auto entry = table.createEmission();
+            entry->start = someStart();
+            entry->duration = qint64(random() % 300);
+            table.addEmission(entry);
+            break;
+        }
+        case 2: {
+            const EmissionPointer entry = entries.at(at);
+            entry->start = someStart();
+            table.updateEmission(entry);
+            break;
+        }
+        case 3:
+            table.removeEmission(entries.at(at));
+            break;
+        default: {
+            const qint64 low = at > 0 ? entries.at(at - 1)->start : entries.at(at)->start - 50;
+            const qint64 high
+                = at + 1 < entries.size() ? entries.at(at + 1)->start : entries.at(at)->start + 50;
+            if (spread && low <= high)
+                entries.at(at)->start = low + qint64(random() % quint64(high - low + 1));
+        }
+        }
+        for (int probe = 0; probe < 20; ++probe) {
+            uint time = uint(random());
+            if (probe < 10 && !entries.isEmpty())
+                time
+                    = uint(entries.at(int(random() % uint(entries.size())))->start + probe % 3 - 1);
+            QVERIFY2(table.emissionAt(time) == expected(time), qPrintable(QString::number(time)));
+        }
+    }
 }
 
 void tst_EmissionSettings::setDuration()
