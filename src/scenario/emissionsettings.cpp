@@ -346,11 +346,22 @@ QList<HRActivity> EmissionSettings::calculateHRActivities(
     const SzenarioEmitter *emitter, uint start, uint length) const
 {
     QList<HRActivity> result;
+    auto append = [&result](const HRActivity &stretch) {
+        result.append(stretch);
+        return true;
+    };
+    visitHRActivities(emitter, start, length, append);
+    return result;
+}
+
+void EmissionSettings::visitHRActivities(
+    const SzenarioEmitter *emitter, uint start, uint length, const HRActivitySink &sink) const
+{
     if (m_duration <= 0 || m_emissions.isEmpty())
-        return result;
+        return;
     if (m_broadcast) {
-        result.append({ start, length, 0.0 });
-        return result;
+        sink({ start, length, 0.0 });
+        return;
     }
     const qint64 end = uint(start + length);
     qint64 base = start - start % m_duration;
@@ -366,9 +377,9 @@ QList<HRActivity> EmissionSettings::calculateHRActivities(
         const qint64 begin = emission.start + base;
         if (begin >= end)
             break;
-        if (!emitter || emission.emitter.get() == emitter)
-            result.append(
-                { quint64(begin), quint64(std::min(emission.duration, end - begin)), 0.0 });
+        if ((!emitter || emission.emitter.get() == emitter)
+            && !sink({ quint64(begin), quint64(std::min(emission.duration, end - begin)), 0.0 }))
+            return;
         if (++entry == m_emissions.cend()) {
             entry = m_emissions.cbegin();
             if (sumOverflows(base, m_duration))
@@ -376,7 +387,6 @@ QList<HRActivity> EmissionSettings::calculateHRActivities(
             base += m_duration;
         }
     }
-    return result;
 }
 
 } // namespace Simulation

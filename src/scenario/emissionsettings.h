@@ -1,6 +1,7 @@
 #pragma once
 
 #include <radiosim/radiosim_export.h>
+#include <radiosim/units/settings.h>
 #include <radiosim/units/simulationtypes.h>
 
 #include <QList>
@@ -104,6 +105,9 @@ public:
     // the window, and include it; their frequency is not set.
     QList<HRActivity> calculateHRActivities(
         const SzenarioEmitter *emitter, uint start, uint length) const;
+    // The same records one at a time, without a list; answering false ends the walk.
+    void visitHRActivities(
+        const SzenarioEmitter *emitter, uint start, uint length, const HRActivitySink &sink) const;
 
 private:
     // An entry's start when it was sorted in, beside the entry itself, index for index with

@@ -3,6 +3,8 @@
 #include <radiosim/scenario/cast.h>
 #include <radiosim/scenario/scenarionetwork.h>
 
+#include <QVarLengthArray>
+
 #include <algorithm>
 
 namespace Simulation {
@@ -290,7 +292,13 @@ QList<HRActivity> SzenarioEmitter::calculateBursts(uint start, uint length, doub
     if (length == 0)
         return bursts;
 
-    const QList<HRActivity> onAir = timetable->calculateHRActivities(this, start, length);
+    // Rarely more than a few stretches in a window: kept on the stack.
+    QVarLengthArray<HRActivity, 16> onAir;
+    auto collect = [&onAir](const HRActivity &stretch) {
+        onAir.append(stretch);
+        return true;
+    };
+    timetable->visitHRActivities(this, start, length, collect);
     // Off air for the whole window: the frequency pieces could not add a record.
     if (onAir.isEmpty())
         return bursts;
