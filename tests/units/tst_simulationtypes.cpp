@@ -29,22 +29,18 @@ private Q_SLOTS:
 
     void compareFrequency()
     {
-        const struct
-        {
-            float a, b;
-            bool equal;
-        } cases[] = {
+        const std::tuple<float, float, bool> cases[] = {
             { 100.0f, 100.0005f, true }, { 100.0f, 100.002f, false },
             { 1.0e9f, 1.00000002e9f, true }, // the same float
             { 1.0e9f, 1.0e9f + 30.0f, true },
             { 1.0e9f, 1.0e9f + 64.0f, false }, // one float step apart
         };
-        for (const auto &c : cases)
-            QVERIFY2(Simulation::compareFrequency(c.a, c.b) == c.equal,
-                qPrintable(QString::number(c.b, 'f')));
+        for (const auto &[a, b, equal] : cases)
+            QVERIFY2(
+                Simulation::compareFrequency(a, b) == equal, qPrintable(QString::number(b, 'f')));
     }
 
-    void fixedFrequency()
+    void fixedSettings()
     {
         FrequencySettingsFixed fixed;
         QCOMPARE(fixed.getFrequencyAt(123), 25000000.0);
@@ -62,16 +58,14 @@ private Q_SLOTS:
         other->setCenterFrequency(25000000.0 + 2.0);
         QVERIFY(!fixed.equal(other.get()));
         QVERIFY(!fixed.equal(nullptr));
-    }
 
-    void fixedPositionEqualityIsExact()
-    {
-        PositionSettingsFixed a({ 11.0, 48.0 });
-        std::unique_ptr<IPositionSettings> b(a.clone());
-        QVERIFY(a.equal(b.get()));
-        b->setPosition({ 11.0, 48.0 + 1e-12 });
-        QVERIFY(!a.equal(b.get()));
-        QVERIFY(!a.equal(nullptr));
+        // A fixed position is equal only to the very same coordinates.
+        PositionSettingsFixed position({ 11.0, 48.0 });
+        std::unique_ptr<IPositionSettings> moved(position.clone());
+        QVERIFY(position.equal(moved.get()));
+        moved->setPosition({ 11.0, 48.0 + 1e-12 });
+        QVERIFY(!position.equal(moved.get()));
+        QVERIFY(!position.equal(nullptr));
     }
 
     void transmitterSettings()
@@ -84,9 +78,9 @@ private Q_SLOTS:
         // The direction wraps from 360 upwards only.
         const QPair<float, float> directions[]
             = { { 360.0f, 0.0f }, { 725.0f, 5.0f }, { 359.5f, 359.5f }, { -10.0f, -10.0f } };
-        for (const auto &direction : directions) {
-            settings.setAntennaDirection(direction.first);
-            QCOMPARE(settings.getAntennaDirection(), direction.second);
+        for (const auto &[input, stored] : directions) {
+            settings.setAntennaDirection(input);
+            QCOMPARE(settings.getAntennaDirection(), stored);
         }
     }
 };
