@@ -97,33 +97,25 @@ private Q_SLOTS:
         QVERIFY(!archive.extractToFile("a.txt", one));
     }
 
-    void extractsOneFolderWithoutItsPrefix_data()
-    {
-        QTest::addColumn<QString>("folder");
-        QTest::addColumn<bool>("result");
-        QTest::addColumn<QStringList>("files");
-        const QStringList inner = { "Default", "Default/Signal.xml", "top.txt" };
-        QTest::newRow("leading slash") << "/VuH-Default" << true << inner;
-        QTest::newRow("bare name") << "VuH-Default" << true << inner;
-        QTest::newRow("trailing slash") << "VuH-Default/" << true << inner;
-        QTest::newRow("a prefix of a name is no folder") << "/VuH" << false << QStringList();
-        QTest::newRow("missing folder") << "/Elsewhere" << false << QStringList();
-        QTest::newRow("case matters") << "/vuh-default" << false << QStringList();
-    }
-
+    // A folder may be named with or without slashes; a prefix of a name or another case is none.
     void extractsOneFolderWithoutItsPrefix()
     {
-        QFETCH(QString, folder);
-        QFETCH(bool, result);
-        QFETCH(QStringList, files);
         OvZip::Archive archive(makeZip("folder.zip",
             { { "VuH-Default/", {} }, { "VuH-Default/Default/Signal.xml", "<Signal/>" },
                 { "VuH-Default/top.txt", "top" }, { "Other/skip.txt", "skip" },
                 { "root.txt", "r" } }));
         QVERIFY(archive.open(1));
+        const QStringList inner = { "Default", "Default/Signal.xml", "top.txt" };
+        const QPair<QString, QStringList> folders[]
+            = { { "/VuH-Default", inner }, { "VuH-Default", inner }, { "VuH-Default/", inner },
+                  { "/VuH", {} }, { "/Elsewhere", {} }, { "/vuh-default", {} } };
         const QString target = m_dir->filePath("SignalPackages/VuH-Default");
-        QCOMPARE(archive.extractToFolder(folder, target), result);
-        QCOMPARE(filesBelow(target), files);
+        for (const auto &[folder, files] : folders) {
+            QVERIFY(QDir(target).removeRecursively());
+            QVERIFY2(
+                archive.extractToFolder(folder, target) == !files.isEmpty(), qPrintable(folder));
+            QCOMPARE(filesBelow(target), files);
+        }
     }
 
     void refusesEntriesLeavingTheTarget_data()
