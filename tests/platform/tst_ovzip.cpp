@@ -118,29 +118,22 @@ private Q_SLOTS:
         }
     }
 
-    void refusesEntriesLeavingTheTarget_data()
-    {
-        QTest::addColumn<QString>("hostile");
-        QTest::newRow("parent") << "../evil.txt";
-        QTest::newRow("absolute") << "/abs.txt";
-        QTest::newRow("climbs from a sub-folder") << "sub/../../evil.txt";
-        QTest::newRow("backslashes") << "..\\evil.txt";
-        QTest::newRow("drive letter") << "C:/evil.txt";
-        QTest::newRow("only dots") << "..";
-    }
-
-    // The hostile entry sits between two good ones: both good ones are unpacked, the answer is
-    // false, and nothing appears anywhere but in the target.
+    // Hostile entries between two good ones: the good ones are unpacked, the answer is false,
+    // and nothing appears anywhere but in the target.
     void refusesEntriesLeavingTheTarget()
     {
-        QFETCH(QString, hostile);
+        const QStringList hostile = { "../evil.txt", "/abs.txt", "sub/../../evil.txt",
+            "..\\evil.txt", "C:/evil.txt", ".." };
+        Entries entries = { { "good.txt", "good" }, { "sub/after.txt", "after" } };
+        for (const QString &name : hostile)
+            entries.insert(1, { name, "evil" });
         QVERIFY(!QFile::exists("/abs.txt"));
         const QDir target(m_dir->filePath("deep/target"));
-        OvZip::Archive archive(makeZip("hostile.zip",
-            { { "good.txt", "good" }, { hostile, "evil" }, { "sub/after.txt", "after" } }));
+        OvZip::Archive archive(makeZip("hostile.zip", entries));
         QVERIFY(archive.open(1));
         QVERIFY(!archive.extractToFolder(target.path()));
-        QVERIFY(!archive.extractToFile(hostile, target.filePath(hostile)));
+        for (const QString &name : hostile)
+            QVERIFY2(!archive.extractToFile(name, target.filePath(name)), qPrintable(name));
         QCOMPARE(filesBelow(m_dir->path()),
             QStringList({ "deep", "deep/target", "deep/target/good.txt", "deep/target/sub",
                 "deep/target/sub/after.txt", "hostile.zip" }));
