@@ -5,8 +5,6 @@
 using Units::Position;
 using Units::Position_t;
 
-Q_DECLARE_METATYPE(Position::Format)
-
 class tst_Units : public QObject
 {
     Q_OBJECT
@@ -39,9 +37,9 @@ private Q_SLOTS:
     void positionTextGoesThroughCoord()
     {
         const QPair<Position::Format, QString> texts[] = {
-            { Position::FormatDecimal, QStringLiteral("E11.42 N48.19") },
-            { Position::FormatQth, QStringLiteral("JN58re") },
-            { Position::FormatUtm, QStringLiteral("32n 679851 5340250") },
+            { Position::FormatDecimal, "E11.42 N48.19" },
+            { Position::FormatQth, "JN58re" },
+            { Position::FormatUtm, "32n 679851 5340250" },
         };
         for (const auto &[format, text] : texts) {
             QCOMPARE(Position::toString(11.42, 48.19, format), text);
