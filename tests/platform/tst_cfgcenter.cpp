@@ -52,11 +52,7 @@ private Q_SLOTS:
 
     void readsHandWrittenFile()
     {
-        const struct
-        {
-            QString section, key, text;
-            double number;
-        } reads[] = {
+        const std::tuple<QString, QString, QString, double> reads[] = {
             { "Simulation", "SimulationServer", "127.0.0.2", -1.0 },
             { "Simulation", "Label", "Straße 東", -1.0 },
             { "Simulation", "Listed", "one, two", -1.0 }, // unquoted comma
@@ -69,11 +65,11 @@ private Q_SLOTS:
             { "Simulation/Ports", "SimulationCache", "default", -1.0 }, // not inherited
             { "", "Simulation/Ports/SimulationServer", "1234", 1234.0 }, // from the root
         };
-        for (const auto &r : reads) {
-            const Cfg cfg = open(r.section);
-            const QByteArray where = (r.section + QLatin1Char(':') + r.key).toUtf8();
-            QVERIFY2(cfg->GetString(r.key, QStringLiteral("default"), 0) == r.text, where);
-            QVERIFY2(cfg->GetNumber(r.key, -1.0, 0) == r.number, where);
+        for (const auto &[section, key, text, number] : reads) {
+            const Cfg cfg = open(section);
+            const QByteArray where = (section + QLatin1Char(':') + key).toUtf8();
+            QVERIFY2(cfg->GetString(key, QStringLiteral("default"), 0) == text, where);
+            QVERIFY2(cfg->GetNumber(key, -1.0, 0) == number, where);
         }
     }
 
