@@ -27,9 +27,9 @@ private Q_SLOTS:
             { 0u, { 38, 7719, 21238, 2437, 8855 } },
             { 7u, { 61, 17422, 15215, 7040, 15521 } },
         };
-        for (const auto &sequence : sequences) {
-            MsRuntime::srand(sequence.first);
-            QCOMPARE(draw(5), sequence.second);
+        for (const auto &[seed, values] : sequences) {
+            MsRuntime::srand(seed);
+            QCOMPARE(draw(5), values);
         }
     }
 

@@ -14,11 +14,13 @@ class tst_SimulationTypes : public QObject
 private Q_SLOTS:
     void texts()
     {
+        QCOMPARE(stringForFrequencySettingsType(FrequencyChirp), QStringLiteral("Frequency Chirp"));
         QCOMPARE(stringForFrequencySettingsType(FrequencyFastHopper),
             QStringLiteral("Fast Frequency Hopper"));
         QCOMPARE(stringForFrequencySettingsType(FrequencySettingsType(4)), QString());
         QCOMPARE(stringForPositionSettingsType(PositionMovement), QStringLiteral("Movement"));
         QCOMPARE(stringForPositionSettingsType(PositionSettingsType(2)), QString());
+        QCOMPARE(stringForNetworkType(NetworkHierarchical), QStringLiteral("Hierarchical"));
         QCOMPARE(stringForNetworkType(NetworkType(7)), QStringLiteral("Star"));
         // Written as "CW" and "None", read back by exact name only.
         QCOMPARE(analogModulationToString(ModulationNone), QStringLiteral("CW"));
@@ -50,6 +52,7 @@ private Q_SLOTS:
         QCOMPARE(pieces.size(), 1);
         QCOMPARE(pieces.first().start, quint64(10));
         QCOMPARE(pieces.first().duration, quint64(20));
+        QCOMPARE(pieces.first().frequency, 25000000.0);
 
         // Equal by class and at float precision: 1 Hz at 25 MHz falls on the same float.
         std::unique_ptr<IFrequencySettings> other(fixed.clone());
@@ -58,9 +61,13 @@ private Q_SLOTS:
         other->setCenterFrequency(25000000.0 + 2.0);
         QVERIFY(!fixed.equal(other.get()));
         QVERIFY(!fixed.equal(nullptr));
+        fixed.setCenterFrequency(1.0e6);
+        QVERIFY(fixed.getMinimumFrequency() == 1.0e6 && fixed.getMaximumFrequency() == 1.0e6);
 
         // A fixed position is equal only to the very same coordinates.
         PositionSettingsFixed position({ 11.0, 48.0 });
+        QVERIFY(position.getPositionAt(99).lat == 48.0 && position.headingAt(99) == 0.0
+            && position.speedAt(99) == 0.0);
         std::unique_ptr<IPositionSettings> moved(position.clone());
         QVERIFY(position.equal(moved.get()));
         moved->setPosition({ 11.0, 48.0 + 1e-12 });
@@ -75,6 +82,7 @@ private Q_SLOTS:
         QCOMPARE(settings.getAntennaType(), QStringLiteral("Default"));
         QCOMPARE(settings.getAntennaGain(), 0.0f);
         QCOMPARE(settings.getAntennaHeight(), 2.0f);
+        QCOMPARE(settings.getAntennaDirection(), 0.0f);
         // The direction wraps from 360 upwards only.
         const QPair<float, float> directions[]
             = { { 360.0f, 0.0f }, { 725.0f, 5.0f }, { 359.5f, 359.5f }, { -10.0f, -10.0f } };
