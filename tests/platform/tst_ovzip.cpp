@@ -4,85 +4,10 @@
 
 using Entries = QList<QPair<QString, QByteArray>>;
 
-// Archives are built by Python's zipfile and checked with unzip -t, so the fixtures come from
-// tools nobody here wrote; hostile names are stored exactly as given. A fixture that could not
-// be built comes back as an empty path, which the following open() refuses.
-class tst_OvZip : public QObject
-{
-    Q_OBJECT
-
-private Q_SLOTS:
-    void initTestCase();
-    void init();
-    void listsEntries();
-    void extractsEveryEntryAndRepairsOnRepeat();
-    void extractsOneFolderWithoutItsPrefix_data();
-    void extractsOneFolderWithoutItsPrefix();
-    void refusesEntriesLeavingTheTarget_data();
-    void refusesEntriesLeavingTheTarget();
-    void doesNotFollowLinksOutOfTheTarget();
-    void corruptEntryLeavesNoFile();
-    void unusableArchives_data();
-    void unusableArchives();
-
-private:
-    QString makeZip(const QString &name, const Entries &entries, bool compress = true);
-    QStringList filesBelow(const QString &folder) const;
-    QScopedPointer<QTemporaryDir> m_dir;
-    QByteArray m_binary;
-};
-
-void tst_OvZip::initTestCase()
-{
-    QVERIFY2(!QStandardPaths::findExecutable(QStringLiteral("python3")).isEmpty(), "no python3");
-    QVERIFY2(!QStandardPaths::findExecutable(QStringLiteral("unzip")).isEmpty(), "no unzip");
-    // Larger than one read chunk, and not compressible to nothing.
-    QRandomGenerator random(17);
-    for (int i = 0; i < 200 * 1024; ++i)
-        m_binary.append(char(random.bounded(256)));
-}
-
-void tst_OvZip::init()
-{
-    m_dir.reset(new QTemporaryDir);
-    QVERIFY(m_dir->isValid());
-}
-
-QString tst_OvZip::makeZip(const QString &name, const Entries &entries, bool compress)
-{
-    QJsonArray list;
-    for (const auto &entry : entries)
-        list.append(QJsonArray { entry.first, QString::fromLatin1(entry.second.toBase64()) });
-    const QString path = m_dir->filePath(name);
-    const QString script = QStringLiteral(
-        "import base64, json, sys, zipfile\n"
-        "plan = json.load(sys.stdin)\n"
-        "method = zipfile.ZIP_DEFLATED if plan['compress'] else zipfile.ZIP_STORED\n"
-        "with zipfile.ZipFile(plan['path'], 'w') as z:\n"
-        "    for name, data in plan['entries']:\n"
-        "        info = zipfile.ZipInfo(name)\n"
-        "        info.compress_type = method\n"
-        "        z.writestr(info, base64.b64decode(data))\n");
-    QProcess python;
-    python.start(QStringLiteral("python3"), { QStringLiteral("-c"), script });
-    python.write(QJsonDocument(QJsonObject {
-                                   { QStringLiteral("path"), path },
-                                   { QStringLiteral("compress"), compress },
-                                   { QStringLiteral("entries"), list },
-                               })
-                     .toJson());
-    python.closeWriteChannel();
-    if (!python.waitForFinished(30000) || python.exitCode() != 0)
-        return {};
-    QProcess unzip;
-    unzip.start(QStringLiteral("unzip"), { QStringLiteral("-tqq"), path });
-    if (!unzip.waitForFinished(30000) || unzip.exitCode() != 0)
-        return {};
-    return path;
-}
+namespace {
 
 // Every file and folder below folder, relative to it, sorted.
-QStringList tst_OvZip::filesBelow(const QString &folder) const
+QStringList filesBelow(const QString &folder)
 {
     QStringList found;
     QDirIterator it(folder, QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden | QDir::System,
@@ -93,213 +18,211 @@ QStringList tst_OvZip::filesBelow(const QString &folder) const
     return found;
 }
 
-void tst_OvZip::listsEntries()
+QByteArray contentOf(const QString &path)
 {
-    const Entries entries = { { QStringLiteral("a.txt"), "alpha" },
-        { QStringLiteral("empty/"), QByteArray() }, { QStringLiteral("Grüße/東京.txt"), "utf" } };
-    OvZip::Archive archive(makeZip(QStringLiteral("list.zip"), entries));
-    QVERIFY(archive.files().isEmpty());
-    QVERIFY(archive.open(OvZip::Archive::ZipRead));
-    QCOMPARE(archive.files(),
-        QStringList({ QStringLiteral("a.txt"), QStringLiteral("empty/"),
-            QStringLiteral("Grüße/東京.txt") }));
-
-    const QString target = m_dir->filePath(QStringLiteral("one/by/one.txt"));
-    QVERIFY(archive.extractToFile(QStringLiteral("Grüße/東京.txt"), target));
-    QFile file(target);
-    QVERIFY(file.open(QIODevice::ReadOnly));
-    QCOMPARE(file.readAll(), QByteArray("utf"));
-    QVERIFY(!archive.extractToFile(QStringLiteral("missing.txt"), target + QLatin1Char('2')));
-    archive.close();
-    QVERIFY(archive.files().isEmpty());
-    QVERIFY(!archive.extractToFile(QStringLiteral("a.txt"), target));
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("(unreadable)");
 }
 
-void tst_OvZip::extractsEveryEntryAndRepairsOnRepeat()
+QString writeFile(const QString &path, const QByteArray &content)
 {
-    const Entries entries
-        = { { QStringLiteral("a.txt"), "alpha" }, { QStringLiteral("sub/data.bin"), m_binary },
-              { QStringLiteral("sub/deeper/c.txt"), "gamma" }, { QStringLiteral("empty/"), {} } };
-    const QString target = m_dir->filePath(QStringLiteral("out"));
-    OvZip::Archive archive(makeZip(QStringLiteral("all.zip"), entries));
-    QVERIFY(archive.open(1));
-
-    const auto checkComplete = [&] {
-        QCOMPARE(filesBelow(target),
-            QStringList({ QStringLiteral("a.txt"), QStringLiteral("empty"), QStringLiteral("sub"),
-                QStringLiteral("sub/data.bin"), QStringLiteral("sub/deeper"),
-                QStringLiteral("sub/deeper/c.txt") }));
-        for (const auto &entry : entries) {
-            if (entry.first.endsWith(QLatin1Char('/')))
-                continue;
-            QFile file(QDir(target).filePath(entry.first));
-            QVERIFY(file.open(QIODevice::ReadOnly));
-            QCOMPARE(file.readAll(), entry.second);
-        }
-    };
-    QVERIFY(archive.extractToFolder(target));
-    checkComplete();
-
-    // A damaged earlier unpack: one file gone, one truncated, one made read-only.
-    QVERIFY(QFile::remove(QDir(target).filePath(QStringLiteral("sub/deeper/c.txt"))));
-    QFile truncated(QDir(target).filePath(QStringLiteral("sub/data.bin")));
-    QVERIFY(truncated.resize(10));
-    QVERIFY(QFile::setPermissions(
-        QDir(target).filePath(QStringLiteral("a.txt")), QFileDevice::ReadOwner));
-    QVERIFY(archive.extractToFolder(QStringLiteral("/"), target));
-    checkComplete();
+    QFile file(path);
+    const bool written = file.open(QIODevice::WriteOnly) && file.write(content) == content.size();
+    return written ? path : QString();
 }
 
-void tst_OvZip::extractsOneFolderWithoutItsPrefix_data()
+} // namespace
+
+// Archives are built by Python's zipfile and checked with unzip -t, so the fixtures come from
+// tools nobody here wrote; hostile names are stored exactly as given. A fixture that could not
+// be built comes back as an empty path, which the following open() refuses.
+class tst_OvZip : public QObject
 {
-    QTest::addColumn<QString>("folder");
-    QTest::addColumn<bool>("result");
-    QTest::addColumn<QStringList>("files");
-    const QStringList inner = { QStringLiteral("Default"), QStringLiteral("Default/Signal.xml"),
-        QStringLiteral("top.txt") };
-    QTest::newRow("leading slash") << "/VuH-Default" << true << inner;
-    QTest::newRow("bare name") << "VuH-Default" << true << inner;
-    QTest::newRow("trailing slash") << "VuH-Default/" << true << inner;
-    QTest::newRow("a prefix of a name is no folder") << "/VuH" << false << QStringList();
-    QTest::newRow("missing folder") << "/Elsewhere" << false << QStringList();
-    QTest::newRow("case matters") << "/vuh-default" << false << QStringList();
-}
+    Q_OBJECT
 
-void tst_OvZip::extractsOneFolderWithoutItsPrefix()
-{
-    QFETCH(QString, folder);
-    QFETCH(bool, result);
-    QFETCH(QStringList, files);
-    OvZip::Archive archive(makeZip(QStringLiteral("folder.zip"),
-        { { QStringLiteral("VuH-Default/"), {} },
-            { QStringLiteral("VuH-Default/Default/Signal.xml"), "<Signal/>" },
-            { QStringLiteral("VuH-Default/top.txt"), "top" },
-            { QStringLiteral("Other/skip.txt"), "skip" }, { QStringLiteral("root.txt"), "r" } }));
-    QVERIFY(archive.open(1));
-    const QString target = m_dir->filePath(QStringLiteral("SignalPackages/VuH-Default"));
-    QCOMPARE(archive.extractToFolder(folder, target), result);
-    QCOMPARE(filesBelow(target), files);
-}
-
-void tst_OvZip::refusesEntriesLeavingTheTarget_data()
-{
-    QTest::addColumn<QString>("hostile");
-    QTest::newRow("parent") << "../evil.txt";
-    QTest::newRow("absolute") << "/abs.txt";
-    QTest::newRow("climbs from a sub-folder") << "sub/../../evil.txt";
-    QTest::newRow("backslashes") << "..\\evil.txt";
-    QTest::newRow("drive letter") << "C:/evil.txt";
-    QTest::newRow("only dots") << "..";
-}
-
-// The hostile entry sits between two good ones: both good ones are unpacked, the answer is
-// false, and nothing appears anywhere but in the target.
-void tst_OvZip::refusesEntriesLeavingTheTarget()
-{
-    QFETCH(QString, hostile);
-    QVERIFY(!QFile::exists(QStringLiteral("/abs.txt")));
-    const QString target = m_dir->filePath(QStringLiteral("deep/target"));
-    OvZip::Archive archive(makeZip(QStringLiteral("hostile.zip"),
-        { { QStringLiteral("good.txt"), "good" }, { hostile, "evil" },
-            { QStringLiteral("sub/after.txt"), "after" } }));
-    QVERIFY(archive.open(1));
-
-    QVERIFY(!archive.extractToFolder(target));
-    QVERIFY(!archive.extractToFile(hostile, QDir(target).filePath(hostile)));
-
-    QCOMPARE(filesBelow(m_dir->path()),
-        QStringList({ QStringLiteral("deep"), QStringLiteral("deep/target"),
-            QStringLiteral("deep/target/good.txt"), QStringLiteral("deep/target/sub"),
-            QStringLiteral("deep/target/sub/after.txt"), QStringLiteral("hostile.zip") }));
-    QVERIFY(!QFile::exists(QStringLiteral("/abs.txt")));
-}
-
-void tst_OvZip::doesNotFollowLinksOutOfTheTarget()
-{
-    const QString outside = m_dir->filePath(QStringLiteral("outside"));
-    const QString target = m_dir->filePath(QStringLiteral("target"));
-    QVERIFY(QDir().mkpath(outside));
-    QVERIFY(QDir().mkpath(target));
-    QVERIFY(QFile::link(outside, QDir(target).filePath(QStringLiteral("linkdir"))));
-    const QString victim = QDir(outside).filePath(QStringLiteral("victim.txt"));
+private Q_SLOTS:
+    void initTestCase()
     {
-        QFile file(victim);
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        file.write("untouched");
+        for (const char *tool : { "python3", "unzip" })
+            QVERIFY2(!QStandardPaths::findExecutable(tool).isEmpty(), tool);
+        // Larger than one read chunk, and not compressible to nothing.
+        QRandomGenerator random(17);
+        for (int i = 0; i < 200 * 1024; ++i)
+            m_binary.append(char(random.bounded(256)));
     }
-    QVERIFY(QFile::link(victim, QDir(target).filePath(QStringLiteral("linkfile.txt"))));
 
-    OvZip::Archive archive(makeZip(QStringLiteral("links.zip"),
-        { { QStringLiteral("linkdir/new.txt"), "through the link" },
-            { QStringLiteral("linkdir/sub/new.txt"), "through the link" },
-            { QStringLiteral("linkfile.txt"), "replaced" } }));
-    QVERIFY(archive.open(1));
-    QVERIFY(!archive.extractToFolder(target));
-
-    QCOMPARE(filesBelow(outside), QStringList { QStringLiteral("victim.txt") });
-    QFile original(victim);
-    QVERIFY(original.open(QIODevice::ReadOnly));
-    QCOMPARE(original.readAll(), QByteArray("untouched"));
-    const QFileInfo replaced(QDir(target).filePath(QStringLiteral("linkfile.txt")));
-    QVERIFY(!replaced.isSymLink());
-    QCOMPARE(replaced.size(), qint64(8));
-}
-
-void tst_OvZip::corruptEntryLeavesNoFile()
-{
-    const QByteArray content(4096, 'x');
-    const QString zip
-        = makeZip(QStringLiteral("crc.zip"), { { QStringLiteral("data.txt"), content } }, false);
-    QVERIFY(!zip.isEmpty());
-    QFile file(zip);
-    QVERIFY(file.open(QIODevice::ReadWrite));
-    QByteArray bytes = file.readAll();
-    const int at = bytes.indexOf(content);
-    QVERIFY(at > 0);
-    bytes[at + 100] = 'y';
-    file.seek(0);
-    file.write(bytes);
-    file.close();
-
-    OvZip::Archive archive(zip);
-    QVERIFY(archive.open(1));
-    const QString target = m_dir->filePath(QStringLiteral("data.txt"));
-    QVERIFY(!archive.extractToFile(QStringLiteral("data.txt"), target));
-    QVERIFY(!QFile::exists(target));
-    QVERIFY(!archive.extractToFolder(m_dir->filePath(QStringLiteral("folder"))));
-    QCOMPARE(filesBelow(m_dir->filePath(QStringLiteral("folder"))), QStringList());
-}
-
-void tst_OvZip::unusableArchives_data()
-{
-    QTest::addColumn<QByteArray>("bytes");
-    QTest::addColumn<int>("mode");
-    QTest::newRow("not a zip") << QByteArray("plain text, no archive") << 1;
-    QTest::newRow("empty file") << QByteArray() << 1;
-    QTest::newRow("truncated end record") << QByteArray("PK\x05\x06\0\0", 6) << 1;
-    QTest::newRow("no such file") << QByteArray("-") << 1;
-    QTest::newRow("write mode") << QByteArray("valid") << 2;
-}
-
-void tst_OvZip::unusableArchives()
-{
-    QFETCH(QByteArray, bytes);
-    QFETCH(int, mode);
-    QString path = m_dir->filePath(QStringLiteral("bad.zip"));
-    if (bytes == "valid") {
-        path = makeZip(QStringLiteral("good.zip"), { { QStringLiteral("a.txt"), "a" } });
-    } else if (bytes != "-") {
-        QFile file(path);
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        file.write(bytes);
+    void init()
+    {
+        m_dir.reset(new QTemporaryDir);
+        QVERIFY(m_dir->isValid());
     }
-    OvZip::Archive archive(path);
-    QVERIFY(!archive.open(mode));
-    QVERIFY(archive.files().isEmpty());
-    QVERIFY(!archive.extractToFolder(m_dir->filePath(QStringLiteral("out"))));
-    QVERIFY(!archive.extractToFile(QStringLiteral("a.txt"), m_dir->filePath(QStringLiteral("a"))));
-    archive.close();
-}
+
+    void listsAndExtractsEveryEntryAndRepairsOnRepeat()
+    {
+        const Entries entries
+            = { { "a.txt", "alpha" }, { "empty/", {} }, { "Grüße/東京.txt", "utf" },
+                  { "sub/data.bin", m_binary }, { "sub/deeper/c.txt", "gamma" } };
+        OvZip::Archive archive(makeZip("all.zip", entries));
+        QVERIFY(archive.files().isEmpty());
+        QVERIFY(archive.open(OvZip::Archive::ZipRead));
+        QCOMPARE(archive.files(),
+            QStringList(
+                { "a.txt", "empty/", "Grüße/東京.txt", "sub/data.bin", "sub/deeper/c.txt" }));
+        const QString one = m_dir->filePath("one/by/one.txt");
+        QVERIFY(archive.extractToFile("Grüße/東京.txt", one));
+        QCOMPARE(contentOf(one), QByteArray("utf"));
+        QVERIFY(!archive.extractToFile("missing.txt", one + QLatin1Char('2')));
+
+        const QDir target(m_dir->filePath("out"));
+        const auto checkComplete = [&] {
+            QCOMPARE(filesBelow(target.path()),
+                QStringList({ "Grüße", "Grüße/東京.txt", "a.txt", "empty", "sub", "sub/data.bin",
+                    "sub/deeper", "sub/deeper/c.txt" }));
+            for (const auto &[name, content] : entries) {
+                if (!name.endsWith(QLatin1Char('/')))
+                    QCOMPARE(contentOf(target.filePath(name)), content);
+            }
+        };
+        QVERIFY(archive.extractToFolder(target.path()));
+        checkComplete();
+        // A damaged earlier unpack: one file gone, one truncated, one made read-only.
+        QVERIFY(QFile::remove(target.filePath("sub/deeper/c.txt")));
+        QVERIFY(QFile::resize(target.filePath("sub/data.bin"), 10));
+        QVERIFY(QFile::setPermissions(target.filePath("a.txt"), QFileDevice::ReadOwner));
+        QVERIFY(archive.extractToFolder("/", target.path()));
+        checkComplete();
+
+        archive.close();
+        QVERIFY(archive.files().isEmpty());
+        QVERIFY(!archive.extractToFile("a.txt", one));
+    }
+
+    // A folder may be named with or without slashes; a prefix of a name or another case is none.
+    void extractsOneFolderWithoutItsPrefix()
+    {
+        OvZip::Archive archive(makeZip("folder.zip",
+            { { "VuH-Default/", {} }, { "VuH-Default/Default/Signal.xml", "<Signal/>" },
+                { "VuH-Default/top.txt", "top" }, { "Other/skip.txt", "skip" },
+                { "root.txt", "r" } }));
+        QVERIFY(archive.open(1));
+        const QStringList inner = { "Default", "Default/Signal.xml", "top.txt" };
+        const QPair<QString, QStringList> folders[]
+            = { { "/VuH-Default", inner }, { "VuH-Default", inner }, { "VuH-Default/", inner },
+                  { "/VuH", {} }, { "/Elsewhere", {} }, { "/vuh-default", {} } };
+        const QString target = m_dir->filePath("SignalPackages/VuH-Default");
+        for (const auto &[folder, files] : folders) {
+            QVERIFY(QDir(target).removeRecursively());
+            QVERIFY2(
+                archive.extractToFolder(folder, target) == !files.isEmpty(), qPrintable(folder));
+            QCOMPARE(filesBelow(target), files);
+        }
+    }
+
+    // Hostile names between good entries, and links in the target that lead out of it: the good
+    // entries are unpacked, the answers are false, and nothing outside the target changes.
+    void writesNothingOutsideTheTarget()
+    {
+        const QDir outside(m_dir->filePath("outside"));
+        const QDir target(m_dir->filePath("deep/target"));
+        QVERIFY(QDir().mkpath(outside.path()) && QDir().mkpath(target.path()));
+        QVERIFY(!writeFile(outside.filePath("victim.txt"), "untouched").isEmpty());
+        QVERIFY(QFile::link(outside.path(), target.filePath("linkdir")));
+        QVERIFY(QFile::link(outside.filePath("victim.txt"), target.filePath("linkfile.txt")));
+        QVERIFY(!QFile::exists("/abs.txt"));
+
+        const QStringList hostile = { "../evil.txt", "/abs.txt", "sub/../../evil.txt",
+            "..\\evil.txt", "C:/evil.txt", ".." };
+        Entries entries = { { "good.txt", "good" }, { "sub/after.txt", "after" } };
+        for (const QString &name : hostile)
+            entries.insert(1, { name, "evil" });
+        OvZip::Archive archive(makeZip("hostile.zip", entries));
+        QVERIFY(archive.open(1));
+        QVERIFY(!archive.extractToFolder(target.path()));
+        for (const QString &name : hostile)
+            QVERIFY2(!archive.extractToFile(name, target.filePath(name)), qPrintable(name));
+        OvZip::Archive links(makeZip("links.zip",
+            { { "linkdir/new.txt", "evil" }, { "linkdir/sub/new.txt", "evil" },
+                { "linkfile.txt", "replaced" } }));
+        QVERIFY(links.open(1));
+        QVERIFY(!links.extractToFolder(target.path()));
+
+        QCOMPARE(filesBelow(m_dir->path()),
+            QStringList({ "deep", "deep/target", "deep/target/good.txt", "deep/target/linkdir",
+                "deep/target/linkfile.txt", "deep/target/sub", "deep/target/sub/after.txt",
+                "hostile.zip", "links.zip", "outside", "outside/victim.txt" }));
+        QCOMPARE(contentOf(outside.filePath("victim.txt")), QByteArray("untouched"));
+        QVERIFY(!QFileInfo(target.filePath("linkfile.txt")).isSymLink());
+        QCOMPARE(contentOf(target.filePath("linkfile.txt")), QByteArray("replaced"));
+        QVERIFY(!QFile::exists("/abs.txt"));
+    }
+
+    void corruptEntryLeavesNoFile()
+    {
+        const QByteArray content(4096, 'x');
+        const QString zip = makeZip("crc.zip", { { "data.txt", content } }, false);
+        QByteArray bytes = contentOf(zip);
+        const int at = bytes.indexOf(content);
+        QVERIFY(at > 0);
+        bytes[at + 100] = 'y';
+        QVERIFY(!writeFile(zip, bytes).isEmpty());
+
+        OvZip::Archive archive(zip);
+        QVERIFY(archive.open(1));
+        const QString target = m_dir->filePath("data.txt");
+        QVERIFY(!archive.extractToFile("data.txt", target));
+        QVERIFY(!QFile::exists(target));
+        QVERIFY(!archive.extractToFolder(m_dir->filePath("folder")));
+        QCOMPARE(filesBelow(m_dir->filePath("folder")), QStringList());
+    }
+
+    // Not a zip, empty, a truncated end record, no file at all, and a mode other than reading.
+    void unusableArchives()
+    {
+        const QPair<QString, int> archives[] = {
+            { writeFile(m_dir->filePath("text.zip"), "plain text, no archive"), 1 },
+            { writeFile(m_dir->filePath("empty.zip"), QByteArray()), 1 },
+            { writeFile(m_dir->filePath("end.zip"), QByteArray("PK\x05\x06\0\0", 6)), 1 },
+            { m_dir->filePath("missing.zip"), 1 },
+            { makeZip("good.zip", { { "a.txt", "a" } }), 2 },
+        };
+        for (const auto &[path, mode] : archives) {
+            QVERIFY(!path.isEmpty());
+            OvZip::Archive archive(path);
+            QVERIFY2(!archive.open(mode), qPrintable(path));
+            QVERIFY(archive.files().isEmpty());
+            QVERIFY(!archive.extractToFolder(m_dir->filePath("out")));
+            QVERIFY(!archive.extractToFile("a.txt", m_dir->filePath("a")));
+            archive.close();
+        }
+    }
+
+private:
+    QString makeZip(const QString &name, const Entries &entries, bool compress = true)
+    {
+        QJsonArray list;
+        for (const auto &[entry, content] : entries)
+            list.append(QJsonArray { entry, QString::fromLatin1(content.toBase64()) });
+        const QString path = m_dir->filePath(name);
+        // Entry names as given; 8 is ZIP_DEFLATED, 0 ZIP_STORED.
+        const char *script
+            = "import base64, json, sys, zipfile\n"
+              "with zipfile.ZipFile(sys.argv[1], 'w') as z:\n"
+              "    for n, d in json.load(sys.stdin):\n"
+              "        z.writestr(zipfile.ZipInfo(n), base64.b64decode(d), int(sys.argv[2]))\n";
+        QProcess python;
+        python.start("python3", { "-c", script, path, compress ? "8" : "0" });
+        python.write(QJsonDocument(list).toJson());
+        python.closeWriteChannel();
+        if (!python.waitForFinished(30000) || python.exitCode() != 0)
+            return {};
+        QProcess unzip;
+        unzip.start("unzip", { "-tqq", path });
+        return unzip.waitForFinished(30000) && unzip.exitCode() == 0 ? path : QString();
+    }
+
+    QScopedPointer<QTemporaryDir> m_dir;
+    QByteArray m_binary;
+};
 
 QTEST_GUILESS_MAIN(tst_OvZip)
 #include "tst_ovzip.moc"
