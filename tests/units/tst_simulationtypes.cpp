@@ -4,6 +4,7 @@
 #include <QtTest>
 
 #include <memory>
+#include <thread>
 
 using namespace Simulation;
 
@@ -90,6 +91,35 @@ private Q_SLOTS:
             settings.setAntennaDirection(input);
             QCOMPARE(settings.getAntennaDirection(), stored);
         }
+    }
+
+    // Activity lists recycle their nodes through a free list per thread. Lists made in one
+    // thread and dropped in another, and more nodes than a thread keeps, must come through
+    // intact; two lists grown side by side must never share a node.
+    void activityListsCrossThreads()
+    {
+        auto make = [](int count) {
+            QList<HRActivity> list;
+            for (int i = 0; i < count; ++i)
+                list.append({ quint64(i), 1, double(i) });
+            return list;
+        };
+        QList<HRActivity> fromWorker;
+        std::thread([&] {
+            fromWorker = make(10000);
+            make(100);
+        }).join();
+        std::thread([list = make(5000)]() mutable { list.clear(); }).join();
+        fromWorker.clear();
+        QList<HRActivity> first;
+        QList<HRActivity> second;
+        for (int i = 0; i < 20000; ++i) {
+            first.append({ quint64(i), 1, 0.0 });
+            second.append({ quint64(i), 2, 0.0 });
+        }
+        for (int i = 0; i < 20000; ++i)
+            QVERIFY(first.at(i).start == quint64(i) && first.at(i).duration == 1
+                && second.at(i).start == quint64(i) && second.at(i).duration == 2);
     }
 };
 
