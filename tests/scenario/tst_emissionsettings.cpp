@@ -337,6 +337,12 @@ void tst_EmissionSettings::hrActivities()
     EmissionSettings settings;
     fill(&settings, table, period, broadcast);
     QTEST(spans(settings.calculateHRActivities(nullptr, start, length)), "expected");
+    // A visitor that has seen enough ends the walk.
+    QFETCH(QStringList, expected);
+    int seen = 0;
+    auto firstOnly = [&seen](const HRActivity &) { return ++seen < 1; };
+    settings.visitHRActivities(nullptr, start, length, firstOnly);
+    QCOMPARE(seen, std::min(1, int(expected.size())));
 }
 
 void tst_EmissionSettings::queriesOnTwoTimetablesInParallel()
