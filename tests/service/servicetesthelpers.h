@@ -4,16 +4,11 @@
 #include <radiosim/service/simulationdevice.h>
 
 #include <QCoreApplication>
-#include <QMetaType>
+#include <QIODevice>
 #include <QStringList>
 #include <QTcpServer>
 #include <QTcpSocket>
 #include <QtTest>
-#include <QVector>
-
-Q_DECLARE_METATYPE(Simulation::SimulationDeviceConfiguration)
-Q_DECLARE_METATYPE(Simulation::SimulationDeviceState)
-Q_DECLARE_METATYPE(QVector<Simulation::SimulationDeviceConfiguration>)
 
 // Collects the library's trace lines (message part only) while installed; other messages go
 // to the previous handler.
@@ -47,6 +42,45 @@ private:
             s_previous(type, context, message);
     }
     static inline QtMessageHandler s_previous = nullptr;
+};
+
+// A stream device the test fills by hand: feed() makes bytes readable and announces them,
+// everything written is kept for inspection.
+class FeedDevice : public QIODevice
+{
+public:
+    FeedDevice() { open(QIODevice::ReadWrite); }
+
+    void feed(const QByteArray &bytes)
+    {
+        m_inbound += bytes;
+        Q_EMIT readyRead();
+    }
+    QByteArray written() const { return m_written; }
+    int readyReadConnections() const { return receivers(SIGNAL(readyRead())); }
+    bool isSequential() const override { return true; }
+    qint64 bytesAvailable() const override
+    {
+        return m_inbound.size() + QIODevice::bytesAvailable();
+    }
+
+protected:
+    qint64 readData(char *data, qint64 maxSize) override
+    {
+        const int n = int(qMin<qint64>(maxSize, m_inbound.size()));
+        memcpy(data, m_inbound.constData(), size_t(n));
+        m_inbound.remove(0, n);
+        return n;
+    }
+    qint64 writeData(const char *data, qint64 size) override
+    {
+        m_written.append(data, int(size));
+        return size;
+    }
+
+private:
+    QByteArray m_inbound;
+    QByteArray m_written;
 };
 
 // Both ends of one loopback TCP connection.

@@ -114,8 +114,7 @@ class tst_ServiceCommunication : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void deviceMessagesCross();
-    void serverMessagesCross();
+    void messagesCross();
     void largeScenarioComesBackByteIdentical_data();
     void largeScenarioComesBackByteIdentical();
     void handWrittenCommands_data();
@@ -125,21 +124,23 @@ private Q_SLOTS:
     void traceLinesFollowTheirClassBits();
     void sendingWithoutSocketDoesNothing();
     void confirmationMatchesHashOfSaltAndRecord();
-    void timersAreChildrenWithTheirIntervals();
+    void heartBeatTimers();
     void silentPeerIsDisconnectedAfterOneProbe();
     void answeringPeerStays();
-    void disablingStopsPendingTimeout();
     void deviceInASecondProcess();
     void pythonPeer();
     void manyDevicesReportInOrder();
 };
 
-void tst_ServiceCommunication::deviceMessagesCross()
+// Both directions at once, each message with its values.
+void tst_ServiceCommunication::messagesCross()
 {
     Link link;
     QVERIFY(link.open());
-    Log log(link.server);
+    Log atServer(link.server);
+    Log atDevice(link.device);
     const SimulationDeviceConfiguration device = sampleDevice("dev-1");
+    const QVector<SimulationDeviceConfiguration> devices { device, sampleDevice("b") };
     SimulationDeviceState state;
     state.setScenarioDataState(ScenarioDataLoaded);
     const QByteArray descriptor("<Jx>\x01\x02\xff binary</Jx>", 20);
@@ -151,19 +152,6 @@ void tst_ServiceCommunication::deviceMessagesCross()
     link.device.sendCommandReleaseServer();
     link.device.sendCommandRequestSimulationDevices();
     link.device.sendUnregisterSimulationDevice("dev-1");
-    QTRY_COMPARE(log,
-        QStringList({ "register dev-1 " + flatten(device), "update dev-1 2",
-            "addJx jx-9 " + text(descriptor), "removeJx jx-9", "acquire", "release", "request",
-            "unregister dev-1" }));
-}
-
-void tst_ServiceCommunication::serverMessagesCross()
-{
-    Link link;
-    QVERIFY(link.open());
-    Log log(link.device);
-    const QVector<SimulationDeviceConfiguration> devices { sampleDevice("a"), sampleDevice("b"),
-        sampleDevice("c") };
     link.server.sendAcceptSimulationDevice("a", "conf/+=");
     link.server.sendLoadScenario("<Scenario/>");
     link.server.sendLoadDeployment(QByteArray());
@@ -174,7 +162,11 @@ void tst_ServiceCommunication::serverMessagesCross()
     link.server.sendTestModeOn(false);
     link.server.sendResponseSimulationDevices(devices);
     link.server.sendStopScenario();
-    QTRY_COMPARE(log,
+    QTRY_COMPARE(atServer,
+        QStringList({ "register dev-1 " + flatten(device), "update dev-1 2",
+            "addJx jx-9 " + text(descriptor), "removeJx jx-9", "acquire", "release", "request",
+            "unregister dev-1" }));
+    QTRY_COMPARE(atDevice,
         QStringList({ "accept a conf/+=", "load <Scenario/>", "deploy ", "unload",
             "start 18446744073709551615 4294967295", "pause 1234", "testMode true",
             "testMode false", "devices " + text(devices), "stop" }));
@@ -214,51 +206,47 @@ void tst_ServiceCommunication::handWrittenCommands_data()
     QTest::addColumn<QByteArray>("document");
     QTest::addColumn<QString>("signal");
     QTest::addColumn<QString>("traceLine");
-    const auto row = [](const char *name, const char *document, const QString &signal,
-                         const QString &traceLine) {
-        QTest::newRow(name) << QByteArray(document) << signal << traceLine;
-    };
-    row("root isn't Command", "<Order><StopScenario/></Order>", "", "Invalid xml: Order");
-    row("only the first child counts", "<Command><UnloadScenario/><StopScenario/></Command>",
-        "unload", Processed + "UnloadScenario");
-    row("no child", "<Command>text</Command>", "", Incomplete);
-    row("unknown message", "<Command><Reboot/></Command>", "", Incomplete + "Reboot");
-    row("test mode 1 is no bool", "<Command><TestMode><On>1</On></TestMode></Command>", "",
-        Incomplete + "TestMode");
+    QTest::newRow("root isn't Command") << QByteArray("<Order><StopScenario/></Order>") << ""
+                                        << "Invalid xml: Order";
+    const auto row
+        = [](const char *name, const char *inner, const QString &signal, const QString &traceLine) {
+              QTest::newRow(name) << "<Command>" + QByteArray(inner) + "</Command>" << signal
+                                  << traceLine;
+          };
+    row("only the first child counts", "<UnloadScenario/><StopScenario/>", "unload",
+        Processed + "UnloadScenario");
+    row("no child", "text", "", Incomplete);
+    row("unknown message", "<Reboot/>", "", Incomplete + "Reboot");
+    row("test mode 1 is no bool", "<TestMode><On>1</On></TestMode>", "", Incomplete + "TestMode");
     row("time stamp not a number",
-        "<Command><StartScenario><Timestamp>abc</Timestamp><ScenarioTime>1</ScenarioTime>"
-        "</StartScenario></Command>",
+        "<StartScenario><Timestamp>abc</Timestamp><ScenarioTime>1</ScenarioTime></StartScenario>",
         "", Incomplete + "StartScenario");
-    row("scenario time missing",
-        "<Command><StartScenario><Timestamp>5</Timestamp></StartScenario></Command>", "",
+    row("scenario time missing", "<StartScenario><Timestamp>5</Timestamp></StartScenario>", "",
         Incomplete + "StartScenario");
     row("largest time stamp",
-        "<Command><StartScenario><Timestamp>18446744073709551615</Timestamp>"
-        "<ScenarioTime>0</ScenarioTime></StartScenario></Command>",
+        "<StartScenario><Timestamp>18446744073709551615</Timestamp><ScenarioTime>0</ScenarioTime>"
+        "</StartScenario>",
         "start 18446744073709551615 0", Processed + "StartScenario");
     row("device list with a gap",
-        "<Command><ResponseSimulationDevices><Device0><Data/></Device0><Device2><Data/></Device2>"
-        "</ResponseSimulationDevices></Command>",
-        "devices " + flatten(SimulationDeviceConfiguration()),
+        "<ResponseSimulationDevices><Device0><Data/></Device0><Device2><Data/></Device2>"
+        "</ResponseSimulationDevices>",
+        "devices " + flatten({}), Processed + "ResponseSimulationDevices");
+    row("empty device list", "<ResponseSimulationDevices/>", "devices ",
         Processed + "ResponseSimulationDevices");
-    row("empty device list", "<Command><ResponseSimulationDevices/></Command>", "devices ",
-        Processed + "ResponseSimulationDevices");
-    row("unregister without id", "<Command><UnregisterSimulation/></Command>", "unregister ",
+    row("unregister without id", "<UnregisterSimulation/>", "unregister ",
         Processed + "UnregisterSimulation");
     row("record lacks a field",
-        "<Command><RegisterSimulation Id=\"x\"><SimulationDevice>&lt;R&gt;&lt;Id&gt;x&lt;/Id&gt;"
-        "&lt;/R&gt;</SimulationDevice></RegisterSimulation></Command>",
+        "<RegisterSimulation Id=\"x\"><SimulationDevice>&lt;R&gt;&lt;Id&gt;x&lt;/Id&gt;&lt;/R&gt;"
+        "</SimulationDevice></RegisterSimulation>",
         "", Incomplete + "RegisterSimulation");
     row("scenario that can't be decoded",
-        "<Command><LoadScenario><ScenarioData>%%not base64%%</ScenarioData></LoadScenario>"
-        "</Command>",
-        "load ", Processed + "LoadScenario");
-    row("jx device without id",
-        "<Command><AddJxDevice><JxDeviceDescriptor/></AddJxDevice></Command>", "",
+        "<LoadScenario><ScenarioData>%%not base64%%</ScenarioData></LoadScenario>", "load ",
+        Processed + "LoadScenario");
+    row("jx device without id", "<AddJxDevice><JxDeviceDescriptor/></AddJxDevice>", "",
         Incomplete + "AddJxDevice");
     row("misspelt update name is the only one",
-        "<Command><SimulationDeviceStateUpdate Id=\"d\"><State>&lt;S&gt;&lt;ScenarioDataState&gt;1"
-        "&lt;/ScenarioDataState&gt;&lt;/S&gt;</State></SimulationDeviceStateUpdate></Command>",
+        "<SimulationDeviceStateUpdate Id=\"d\"><State>&lt;S&gt;&lt;ScenarioDataState&gt;1&lt;/"
+        "ScenarioDataState&gt;&lt;/S&gt;</State></SimulationDeviceStateUpdate>",
         "", Incomplete + "SimulationDeviceStateUpdate");
 }
 
@@ -354,17 +342,26 @@ void tst_ServiceCommunication::confirmationMatchesHashOfSaltAndRecord()
     QCOMPARE(Communication::createConfirmation(device), "zA3BJ8+ML+RjtodmCuD8Xm19dyw=");
 }
 
-void tst_ServiceCommunication::timersAreChildrenWithTheirIntervals()
+// Disabling stops a pending time-out, so a silent peer stays.
+void tst_ServiceCommunication::heartBeatTimers()
 {
-    Communication communication;
-    const QTimer *beat = timer(communication, "heartBeatTimer");
-    const QTimer *timeout = timer(communication, "heartBeatTimeoutTimer");
+    Link link;
+    QVERIFY(link.open(false));
+    QTimer *beat = timer(link.server, "heartBeatTimer");
+    QTimer *timeout = timer(link.server, "heartBeatTimeoutTimer");
     QCOMPARE(beat->interval(), 30000);
     QVERIFY(!beat->isSingleShot() && !beat->isActive());
     QCOMPARE(timeout->interval(), 15000);
     QVERIFY(timeout->isSingleShot());
-    communication.setHeartBeatEnabled(true);
+
+    shortenHeartBeat(link.server);
+    link.server.setHeartBeatEnabled(true);
     QVERIFY(beat->isActive());
+    QTRY_VERIFY(timeout->isActive());
+    link.server.setHeartBeatEnabled(false);
+    QVERIFY(!timeout->isActive());
+    QTest::qWait(250);
+    QCOMPARE(link.sockets.client.state(), QAbstractSocket::ConnectedState);
 }
 
 // One probe goes out before the time-out ends the connection.
@@ -393,19 +390,6 @@ void tst_ServiceCommunication::answeringPeerStays()
     link.server.setHeartBeatEnabled(false);
     QCOMPARE(link.sockets.client.state(), QAbstractSocket::ConnectedState);
     QVERIFY(!trace.lines().contains(TimedOut));
-}
-
-void tst_ServiceCommunication::disablingStopsPendingTimeout()
-{
-    Link link;
-    QVERIFY(link.open(false));
-    shortenHeartBeat(link.server);
-    link.server.setHeartBeatEnabled(true);
-    QTRY_VERIFY(timer(link.server, "heartBeatTimeoutTimer")->isActive());
-    link.server.setHeartBeatEnabled(false);
-    QVERIFY(!timer(link.server, "heartBeatTimeoutTimer")->isActive());
-    QTest::qWait(250);
-    QCOMPARE(link.sockets.client.state(), QAbstractSocket::ConnectedState);
 }
 
 // The device runs in its own process, built from devicepeer.cpp; this test is its server.

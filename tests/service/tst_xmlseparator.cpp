@@ -1,4 +1,3 @@
-#include "feeddevice.h"
 #include "servicetesthelpers.h"
 
 #include <radiosim/service/xmlseparator_p.h>
