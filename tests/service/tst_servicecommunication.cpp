@@ -30,7 +30,7 @@ template <typename T> QString text(const T &value)
 }
 
 // Every signal of one protocol end as a line of text, in order of arrival.
-struct Log : QStringList
+struct Log
 {
     explicit Log(Communication &end)
     {
@@ -52,11 +52,13 @@ struct Log : QStringList
         record(end, &Communication::commandReleaseServer, "release");
         record(end, &Communication::commandRequestSimulationDevices, "request");
     }
+    QStringList lines;
+
     template <typename... Args>
     void record(Communication &end, void (Communication::*signal)(Args...), const char *name)
     {
         QObject::connect(&end, signal, [this, name](Args... args) {
-            append(QStringList { name, text(args)... }.join(' '));
+            lines.append(QStringList { name, text(args)... }.join(' '));
         });
     }
 };
@@ -162,11 +164,11 @@ void tst_ServiceCommunication::messagesCross()
     link.server.sendTestModeOn(false);
     link.server.sendResponseSimulationDevices(devices);
     link.server.sendStopScenario();
-    QTRY_COMPARE(atServer,
+    QTRY_COMPARE(atServer.lines,
         QStringList({ "register dev-1 " + flatten(device), "update dev-1 2",
             "addJx jx-9 " + text(descriptor), "removeJx jx-9", "acquire", "release", "request",
             "unregister dev-1" }));
-    QTRY_COMPARE(atDevice,
+    QTRY_COMPARE(atDevice.lines,
         QStringList({ "accept a conf/+=", "load <Scenario/>", "deploy ", "unload",
             "start 18446744073709551615 4294967295", "pause 1234", "testMode true",
             "testMode false", "devices " + text(devices), "stop" }));
@@ -261,7 +263,7 @@ void tst_ServiceCommunication::handWrittenCommands()
     Log log(link.server);
     link.sockets.client.write(document + "\n<Command><HeartBeat/></Command>\n");
     QTRY_VERIFY(trace.lines().contains(Processed + "HeartBeat"));
-    QTEST(log.join('\n'), "signal");
+    QTEST(log.lines.join('\n'), "signal");
     QTEST(trace.lines().first(), "traceLine");
 }
 
@@ -276,7 +278,7 @@ void tst_ServiceCommunication::malformedStreamIsTracedAndStopsReading()
         "<Command><StopScenario></Command>\n<Command><StopScenario/></Command>");
     QTRY_COMPARE(trace.lines().size(), 1);
     QTest::qWait(50);
-    QVERIFY(log.isEmpty());
+    QVERIFY(log.lines.isEmpty());
     QCOMPARE(trace.lines().size(), 1);
     QCOMPARE(link.sockets.accepted->state(), QAbstractSocket::ConnectedState);
 }
@@ -308,7 +310,7 @@ void tst_ServiceCommunication::traceLinesFollowTheirClassBits()
     link.sockets.client.write("<Command><StopScenario/></Command>"
                               "<Command><TestMode><On>yes</On></TestMode></Command>"
                               "<Other/><Command><ReleaseServer/></Command>");
-    QTRY_COMPARE(log, QStringList({ "stop", "release" }));
+    QTRY_COMPARE(log.lines, QStringList({ "stop", "release" }));
     trace.lines().removeAll(Processed + "ReleaseServer");
     QTEST(trace.lines(), "lines");
 }
@@ -407,18 +409,18 @@ void tst_ServiceCommunication::deviceInASecondProcess()
     QVERIFY(device.waitForStarted());
 
     const SimulationDeviceConfiguration record = sampleDevice("device-7");
-    QTRY_COMPARE_WITH_TIMEOUT(log.size(), 1, 10000);
+    QTRY_COMPARE_WITH_TIMEOUT(log.lines.size(), 1, 10000);
     server.sendAcceptSimulationDevice("device-7", Communication::createConfirmation(record));
-    QTRY_COMPARE(log.size(), 2);
+    QTRY_COMPARE(log.lines.size(), 2);
     server.sendLoadScenario(largeScenario(100000).left(100000));
-    QTRY_COMPARE(log.size(), 4);
+    QTRY_COMPARE(log.lines.size(), 4);
     server.sendStartScenario(Q_UINT64_C(1700000000123456), 5000);
-    QTRY_COMPARE(log.size(), 5);
+    QTRY_COMPARE(log.lines.size(), 5);
     server.sendStopScenario();
     QTRY_COMPARE_WITH_TIMEOUT(device.state(), QProcess::NotRunning, 10000);
     QCOMPARE(device.exitStatus(), QProcess::NormalExit);
     QCOMPARE(device.exitCode(), 0);
-    QCOMPARE(log,
+    QCOMPARE(log.lines,
         QStringList(
             { "register device-7 " + flatten(record), "update device-7 0", "update device-7 1",
                 "update device-7 2", "addJx 1700000000123456 5000", "unregister device-7" }));
@@ -453,7 +455,7 @@ void tst_ServiceCommunication::pythonPeer()
     // Test mode with 1 is rejected; the unload behind the malformed document is never read.
     const QString record = "py-1|Empfänger <1> & Co|s1|Nord|pyhost|py-machine|PYRX|"
         + QString::number(151.2, 'g', 17) + "|-33.875";
-    QCOMPARE(log,
+    QCOMPARE(log.lines,
         QStringList(
             { "register py-1 " + record, "start 18446744073709551615 4294967295", "pause 77" }));
     QVERIFY(trace.lines().contains(Incomplete + "TestMode"));
