@@ -17,7 +17,7 @@ class TraceCapture
 public:
     TraceCapture()
     {
-        lines().clear();
+        lines.clear();
         s_previous = qInstallMessageHandler(&TraceCapture::handle);
         ErrorHandler::Instance()->setTraceClasses(
             ErrorHandler::TraceConnection | ErrorHandler::TraceCommands);
@@ -27,17 +27,13 @@ public:
         ErrorHandler::Instance()->setTraceClasses(0);
         qInstallMessageHandler(s_previous);
     }
-    static QStringList &lines()
-    {
-        static QStringList captured;
-        return captured;
-    }
+    static inline QStringList lines;
 
 private:
     static void handle(QtMsgType type, const QMessageLogContext &context, const QString &message)
     {
         if (qstrcmp(context.category, "radiosim.trace") == 0)
-            lines().append(message.section(QStringLiteral("): "), 1));
+            lines.append(message.section(QStringLiteral("): "), 1));
         else
             s_previous(type, context, message);
     }

@@ -262,9 +262,9 @@ void tst_ServiceCommunication::handWrittenCommands()
     QVERIFY(link.open(false));
     Log log(link.server);
     link.sockets.client.write(document + "\n<Command><HeartBeat/></Command>\n");
-    QTRY_VERIFY(trace.lines().contains(Processed + "HeartBeat"));
+    QTRY_VERIFY(trace.lines.contains(Processed + "HeartBeat"));
     QTEST(log.lines.join('\n'), "signal");
-    QTEST(trace.lines().first(), "traceLine");
+    QTEST(trace.lines.first(), "traceLine");
 }
 
 // The connection stays, but nothing behind the broken document is read.
@@ -276,10 +276,10 @@ void tst_ServiceCommunication::malformedStreamIsTracedAndStopsReading()
     Log log(link.server);
     link.sockets.client.write(
         "<Command><StopScenario></Command>\n<Command><StopScenario/></Command>");
-    QTRY_COMPARE(trace.lines().size(), 1);
+    QTRY_COMPARE(trace.lines.size(), 1);
     QTest::qWait(50);
     QVERIFY(log.lines.isEmpty());
-    QCOMPARE(trace.lines().size(), 1);
+    QCOMPARE(trace.lines.size(), 1);
     QCOMPARE(link.sockets.accepted->state(), QAbstractSocket::ConnectedState);
 }
 
@@ -311,8 +311,8 @@ void tst_ServiceCommunication::traceLinesFollowTheirClassBits()
                               "<Command><TestMode><On>yes</On></TestMode></Command>"
                               "<Other/><Command><ReleaseServer/></Command>");
     QTRY_COMPARE(log.lines, QStringList({ "stop", "release" }));
-    trace.lines().removeAll(Processed + "ReleaseServer");
-    QTEST(trace.lines(), "lines");
+    trace.lines.removeAll(Processed + "ReleaseServer");
+    QTEST(trace.lines, "lines");
 }
 
 // Detaching leaves the object without a separator, as new.
@@ -333,7 +333,7 @@ void tst_ServiceCommunication::sendingWithoutSocketDoesNothing()
     alone.sendStopScenario();
     QTest::qWait(20);
     QCOMPARE(link.sockets.accepted->bytesAvailable(), 0);
-    QVERIFY(trace.lines().isEmpty());
+    QVERIFY(trace.lines.isEmpty());
 }
 
 void tst_ServiceCommunication::confirmationMatchesHashOfSaltAndRecord()
@@ -378,7 +378,7 @@ void tst_ServiceCommunication::silentPeerIsDisconnectedAfterOneProbe()
     QTRY_COMPARE(closed.count(), 1);
     link.server.setHeartBeatEnabled(false);
     QCOMPARE(link.sockets.client.readAll(), "<Command>\n    <HeartBeat/>\n</Command>\n");
-    QCOMPARE(trace.lines(), QStringList { TimedOut });
+    QCOMPARE(trace.lines, QStringList { TimedOut });
 }
 
 void tst_ServiceCommunication::answeringPeerStays()
@@ -388,10 +388,10 @@ void tst_ServiceCommunication::answeringPeerStays()
     QVERIFY(link.open());
     shortenHeartBeat(link.server, 2000);
     link.server.setHeartBeatEnabled(true);
-    QTRY_VERIFY(trace.lines().count(Processed + "HeartBeatReply") >= 3);
+    QTRY_VERIFY(trace.lines.count(Processed + "HeartBeatReply") >= 3);
     link.server.setHeartBeatEnabled(false);
     QCOMPARE(link.sockets.client.state(), QAbstractSocket::ConnectedState);
-    QVERIFY(!trace.lines().contains(TimedOut));
+    QVERIFY(!trace.lines.contains(TimedOut));
 }
 
 // The device runs in its own process, built from devicepeer.cpp; this test is its server.
@@ -458,8 +458,8 @@ void tst_ServiceCommunication::pythonPeer()
     QCOMPARE(log.lines,
         QStringList(
             { "register py-1 " + record, "start 18446744073709551615 4294967295", "pause 77" }));
-    QVERIFY(trace.lines().contains(Incomplete + "TestMode"));
-    QVERIFY(trace.lines().contains("Invalid xml: Shutdown"));
+    QVERIFY(trace.lines.contains(Incomplete + "TestMode"));
+    QVERIFY(trace.lines.contains("Invalid xml: Shutdown"));
 }
 
 void tst_ServiceCommunication::manyDevicesReportInOrder()
@@ -469,20 +469,19 @@ void tst_ServiceCommunication::manyDevicesReportInOrder()
     QTcpServer listener;
     QVERIFY(listener.listen(QHostAddress::LocalHost, 0));
     std::vector<std::unique_ptr<Communication>> serverEnds;
+    // Updates of a device that never registered are dropped, and so show.
     QHash<QString, QVector<int>> received;
-    int registrations = 0;
     int updates = 0;
     connect(&listener, &QTcpServer::newConnection, this, [&]() {
         while (QTcpSocket *socket = listener.nextPendingConnection()) {
             serverEnds.push_back(std::make_unique<Communication>(socket));
             auto *end = serverEnds.back().get();
-            connect(end, &Communication::registerSimulationDevice, this, [&](const QString &id) {
-                received.insert(id, {});
-                ++registrations;
-            });
+            connect(end, &Communication::registerSimulationDevice, this,
+                [&](const QString &id) { received.insert(id, {}); });
             connect(end, &Communication::simulationDeviceStateUpdate, this,
                 [&](const QString &id, const SimulationDeviceState &state) {
-                    received[id].append(int(state.scenarioDataState()));
+                    if (received.contains(id))
+                        received[id].append(int(state.scenarioDataState()));
                     ++updates;
                 });
         }
@@ -504,25 +503,24 @@ void tst_ServiceCommunication::manyDevicesReportInOrder()
     QElapsedTimer clock;
     clock.start();
     // The state's number carries the sequence: any int crosses.
+    const auto id = [](int i) { return QString("device-%1").arg(i); };
     SimulationDeviceState state;
     for (int i = 0; i < DeviceCount; ++i)
-        devices[size_t(i)]->sendRegisterSimulationDevice(
-            QString("device-%1").arg(i), sampleDevice(QString("device-%1").arg(i)));
+        devices[size_t(i)]->sendRegisterSimulationDevice(id(i), sampleDevice(id(i)));
     for (int n = 0; n < UpdateCount; ++n) {
         state.setScenarioDataState(ScenarioDataState(n));
         for (int i = 0; i < DeviceCount; ++i)
-            devices[size_t(i)]->sendSimulationDeviceStateUpdate(QString("device-%1").arg(i), state);
+            devices[size_t(i)]->sendSimulationDeviceStateUpdate(id(i), state);
     }
     QTRY_COMPARE_WITH_TIMEOUT(updates, DeviceCount * UpdateCount, 50000);
     const double seconds = clock.nsecsElapsed() / 1e9;
     qInfo("%d updates from %d devices in %.2f s: %.0f updates per second", updates, DeviceCount,
         seconds, updates / seconds);
 
-    QCOMPARE(registrations, DeviceCount);
     QVector<int> expected(UpdateCount);
     std::iota(expected.begin(), expected.end(), 0);
     for (int i = 0; i < DeviceCount; ++i)
-        QCOMPARE(received.value(QString("device-%1").arg(i)), expected);
+        QCOMPARE(received.value(id(i)), expected);
 }
 
 QTEST_GUILESS_MAIN(tst_ServiceCommunication)

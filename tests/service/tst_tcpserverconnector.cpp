@@ -30,13 +30,13 @@ void tst_TcpServerConnector::connectsTracesAndComesBackAfterDisconnecting()
     QSignalSpy disconnected(&connector, &TcpServerConnector::disconnectedFromServer);
     int linesAtSignal = -1;
     connect(&connector, &TcpServerConnector::connectedToServer, this,
-        [&]() { linesAtSignal = trace.lines().size(); });
+        [&]() { linesAtSignal = trace.lines.size(); });
     connector.connectToServer();
     QVERIFY(!connector.isConnected());
     QTRY_VERIFY(connector.isConnected());
     QCOMPARE(linesAtSignal, 1);
-    QCOMPARE(trace.lines(),
-        QStringList({ "Try to connect to: " + address, "Connected to: " + address }));
+    QCOMPARE(
+        trace.lines, QStringList({ "Try to connect to: " + address, "Connected to: " + address }));
 
     connector.disconnectFromServer();
     QTRY_COMPARE(disconnected.count(), 1);
@@ -60,8 +60,8 @@ void tst_TcpServerConnector::reconnectsAfterServerRestart()
     delete server.nextPendingConnection();
     server.close();
     QTRY_COMPARE(disconnected.count(), 1);
-    QTRY_VERIFY(trace.lines().contains(QString("Disconneted from: 127.0.0.1:%1").arg(port)));
-    QTRY_VERIFY(trace.lines().filter("Error while connecting to:").size() >= 2);
+    QTRY_VERIFY(trace.lines.contains(QString("Disconneted from: 127.0.0.1:%1").arg(port)));
+    QTRY_VERIFY(trace.lines.filter("Error while connecting to:").size() >= 2);
     QVERIFY(!connector.isConnected());
 
     QVERIFY(server.listen(QHostAddress::LocalHost, port));
@@ -91,7 +91,7 @@ void tst_TcpServerConnector::hostAndPortFromText()
     TraceCapture trace;
     TcpServerConnector connector(text);
     connector.connectToServer();
-    QCOMPARE(trace.lines().value(0), "Try to connect to: " + address);
+    QCOMPARE(trace.lines.value(0), "Try to connect to: " + address);
 }
 
 // Lines start as given, in turn; %1 is the address.
@@ -127,15 +127,15 @@ void tst_TcpServerConnector::unreachableServerIsRetriedWithTraceLines()
         TcpServerConnector connector(address);
         QSignalSpy disconnected(&connector, &TcpServerConnector::disconnectedFromServer);
         connector.connectToServer();
-        QTRY_VERIFY(trace.lines().size() >= awaited);
+        QTRY_VERIFY(trace.lines.size() >= awaited);
         QTest::qWait(30);
         QCOMPARE(disconnected.count(), 0);
     }
-    for (int i = 0; i < trace.lines().size(); ++i)
-        QVERIFY2(trace.lines().at(i).startsWith(starts.at(i % starts.size()).arg(address)),
-            qPrintable(trace.lines().at(i)));
+    for (int i = 0; i < trace.lines.size(); ++i)
+        QVERIFY2(trace.lines.at(i).startsWith(starts.at(i % starts.size()).arg(address)),
+            qPrintable(trace.lines.at(i)));
     if (classes == ErrorHandler::TraceConnection)
-        QCOMPARE(trace.lines().size(), 1);
+        QCOMPARE(trace.lines.size(), 1);
 }
 
 QTEST_GUILESS_MAIN(tst_TcpServerConnector)

@@ -11,7 +11,6 @@ class tst_XmlElement : public QObject
 private Q_SLOTS:
     void nullAndParsedElementsIgnoreWrites();
     void madeElementSerialisesWithoutDeclaration();
-    void setChildTextNumberForms();
     void typedQueries_data();
     void typedQueries();
     void rememberedNamesServeTheFollowingRead();
@@ -58,23 +57,6 @@ void tst_XmlElement::madeElementSerialisesWithoutDeclaration()
     const XmlElement parsed = XmlElement::fromByteArray(expected).child("StartScenario");
     QCOMPARE(parsed.text("Name"), "Müller & Söhne");
     QCOMPARE(parsed.attribute("Id"), "a<b");
-}
-
-void tst_XmlElement::setChildTextNumberForms()
-{
-    XmlElement e("R");
-    const auto written = [&e](auto value) {
-        e.setChildText("V", value);
-        return e.text("V");
-    };
-    QCOMPARE(written(true), "true");
-    QCOMPARE(written(false), "false");
-    QCOMPARE(written(-42), "-42");
-    QCOMPARE(written(4294967295u), "4294967295");
-    QCOMPARE(written(Q_UINT64_C(18446744073709551615)), "18446744073709551615");
-    QCOMPARE(written(8.123456789), "8.12346");
-    QCOMPARE(written(0.000012345678), "1.23457e-05");
-    QCOMPARE(written(48.0), "48");
 }
 
 // kinds: b bool, i int, u uint, U quint64, d double.
