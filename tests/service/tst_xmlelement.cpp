@@ -189,7 +189,7 @@ void tst_XmlElement::listsAndStructure()
     QCOMPARE(parsed.children("X").size(), 2);
     QCOMPARE(parsed.children("X").at(1).text(), "2");
     QVERIFY(parsed.hasChild("Y") && parsed.text("Y").isEmpty());
-    QVERIFY(!parsed.hasChild("N") && !parsed.hasChild("Z"));
+    QVERIFY(!parsed.hasChild("N") && parsed.text("N").isEmpty() && !parsed.hasChild("Z"));
 }
 
 QTEST_GUILESS_MAIN(tst_XmlElement)
