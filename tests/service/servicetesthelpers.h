@@ -41,7 +41,7 @@ private:
 };
 
 // A stream device the test fills by hand: feed() makes bytes readable and announces them,
-// everything written is kept for inspection.
+// everything written is kept for the test to read.
 class FeedDevice : public QIODevice
 {
 public:

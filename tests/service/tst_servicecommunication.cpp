@@ -206,15 +206,15 @@ void tst_ServiceCommunication::largeScenarioComesBackByteIdentical()
 void tst_ServiceCommunication::handWrittenCommands_data()
 {
     QTest::addColumn<QByteArray>("document");
-    QTest::addColumn<QString>("signal");
+    QTest::addColumn<QString>("received");
     QTest::addColumn<QString>("traceLine");
     QTest::newRow("root isn't Command") << QByteArray("<Order><StopScenario/></Order>") << ""
                                         << "Invalid xml: Order";
-    const auto row
-        = [](const char *name, const char *inner, const QString &signal, const QString &traceLine) {
-              QTest::newRow(name) << "<Command>" + QByteArray(inner) + "</Command>" << signal
-                                  << traceLine;
-          };
+    const auto row = [](const char *name, const char *inner, const QString &received,
+                         const QString &traceLine) {
+        QTest::newRow(name) << "<Command>" + QByteArray(inner) + "</Command>" << received
+                            << traceLine;
+    };
     row("only the first child counts", "<UnloadScenario/><StopScenario/>", "unload",
         Processed + "UnloadScenario");
     row("no child", "text", "", Incomplete);
@@ -263,7 +263,7 @@ void tst_ServiceCommunication::handWrittenCommands()
     Log log(link.server);
     link.sockets.client.write(document + "\n<Command><HeartBeat/></Command>\n");
     QTRY_VERIFY(trace.lines.contains(Processed + "HeartBeat"));
-    QTEST(log.lines.join('\n'), "signal");
+    QTEST(log.lines.join('\n'), "received");
     QTEST(trace.lines.first(), "traceLine");
 }
 
