@@ -5,6 +5,7 @@
 #include <QtTest>
 
 using namespace Simulation;
+using Record = SimulationDeviceConfiguration;
 
 namespace {
 
@@ -23,15 +24,13 @@ const QStringList Tags { "Id", "Name", "StationId", "StationName", "Machine", "M
     "DeviceType", "PositionLongitude", "PositionLatitude" };
 
 // The longitude is written with six significant digits, and so comes back shortened.
-SimulationDeviceConfiguration sample(double longitude = 8.123456789)
+Record sample(double longitude = 8.123456789)
 {
-    SimulationDeviceConfiguration device = sampleDevice("dev-1");
+    Record device = sampleDevice("dev-1");
     device.setName("Receiver ä");
     device.setPositionLongitude(longitude);
     return device;
 }
-
-using Record = SimulationDeviceConfiguration;
 
 Record stale()
 {
@@ -116,12 +115,11 @@ void tst_DeviceRecords::oddInputLeavesRecordsAlone()
     QVERIFY(state.toXml("<S/>").isEmpty());
 }
 
-// Numbers outside the enumeration cross as they are.
+// The four states and numbers outside the enumeration cross as they are.
 void tst_DeviceRecords::stateForms_data()
 {
     QTest::addColumn<int>("value");
-    for (int value : { int(ScenarioDataNone), int(ScenarioDataLoading), int(ScenarioDataLoaded),
-             int(ScenarioDataError), 7, -3 })
+    for (int value : { 0, 1, 2, 3, 7, -3 })
         QTest::newRow(qPrintable(QString::number(value))) << value;
 }
 
