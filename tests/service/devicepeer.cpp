@@ -6,9 +6,6 @@
 
 #include "servicetesthelpers.h"
 
-#include <QCoreApplication>
-#include <QTcpSocket>
-
 using namespace Simulation;
 
 int main(int argc, char **argv)
@@ -16,10 +13,9 @@ int main(int argc, char **argv)
     QCoreApplication app(argc, argv);
     if (argc < 2)
         return 2;
-    const QString id = QStringLiteral("device-7");
+    const QString id = "device-7";
     const SimulationDeviceConfiguration device = sampleDevice(id);
-
-    TcpServerConnector connector(QStringLiteral("127.0.0.1:") + QString::fromLatin1(argv[1]));
+    TcpServerConnector connector("127.0.0.1:" + QString::fromLatin1(argv[1]));
     SimulationServiceCommunication communication;
     const auto report = [&](ScenarioDataState value) {
         SimulationDeviceState state;

@@ -4,7 +4,7 @@
 #include <QIODevice>
 
 // A stream device the test fills by hand: feed() makes bytes readable and announces them,
-// everything written is kept for inspection.
+// everything written is kept for the test to read.
 class FeedDevice : public QIODevice
 {
 public:

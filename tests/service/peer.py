@@ -16,24 +16,20 @@ FIELDS = [("Id", "py-1"), ("Name", "Empfänger <1> & Co"), ("StationId", "s1"),
           ("PositionLatitude", "-33.875")]
 
 
-def record():
-    inner = "".join("<%s>%s</%s>" % (k, escape(v), k) for k, v in FIELDS)
-    return "<Simulation::SimulationDeviceConfiguration>%s" \
-           "</Simulation::SimulationDeviceConfiguration>" % inner
-
-
 def expected_confirmation():
     values = dict(FIELDS)
-    text = ";".join([SALT, values["Id"], values["Machine"], values["MachineId"],
-                     values["DeviceType"]])
+    text = ";".join([SALT] + [values[k] for k in ("Id", "Machine", "MachineId", "DeviceType")])
     return base64.b64encode(hashlib.sha1(text.encode("utf-8")).digest()).decode("ascii")
 
 
 def main():
     sock = socket.create_connection(("127.0.0.1", int(sys.argv[1])), timeout=10)
+    root = "Simulation::SimulationDeviceConfiguration"
+    record = "<%s>%s</%s>" % (root, "".join("<%s>%s</%s>" % (k, escape(v), k)
+                                            for k, v in FIELDS), root)
     register = ('<Command>\n    <RegisterSimulation Id="py-1">\n        <SimulationDevice>%s'
                 '</SimulationDevice>\n    </RegisterSimulation>\n</Command>\n'
-                % escape(record())).encode("utf-8")
+                % escape(record)).encode("utf-8")
     for part in (register[:7], register[7:60], register[60:]):
         sock.sendall(part)
         time.sleep(0.05)

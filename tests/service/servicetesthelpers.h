@@ -1,19 +1,16 @@
 #pragma once
 
+#include "feeddevice.h"
+
 #include <radiosim/platform/trace.h>
 #include <radiosim/service/simulationdevice.h>
 
 #include <QCoreApplication>
-#include <QMetaType>
+#include <QIODevice>
 #include <QStringList>
 #include <QTcpServer>
 #include <QTcpSocket>
 #include <QtTest>
-#include <QVector>
-
-Q_DECLARE_METATYPE(Simulation::SimulationDeviceConfiguration)
-Q_DECLARE_METATYPE(Simulation::SimulationDeviceState)
-Q_DECLARE_METATYPE(QVector<Simulation::SimulationDeviceConfiguration>)
 
 // Collects the library's trace lines (message part only) while installed; other messages go
 // to the previous handler.
@@ -22,7 +19,7 @@ class TraceCapture
 public:
     TraceCapture()
     {
-        lines().clear();
+        lines.clear();
         s_previous = qInstallMessageHandler(&TraceCapture::handle);
         ErrorHandler::Instance()->setTraceClasses(
             ErrorHandler::TraceConnection | ErrorHandler::TraceCommands);
@@ -32,17 +29,13 @@ public:
         ErrorHandler::Instance()->setTraceClasses(0);
         qInstallMessageHandler(s_previous);
     }
-    static QStringList &lines()
-    {
-        static QStringList captured;
-        return captured;
-    }
+    static inline QStringList lines;
 
 private:
     static void handle(QtMsgType type, const QMessageLogContext &context, const QString &message)
     {
         if (qstrcmp(context.category, "radiosim.trace") == 0)
-            lines().append(message.section(QStringLiteral("): "), 1));
+            lines.append(message.section(QStringLiteral("): "), 1));
         else
             s_previous(type, context, message);
     }

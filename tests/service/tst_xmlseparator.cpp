@@ -1,4 +1,3 @@
-#include "feeddevice.h"
 #include "servicetesthelpers.h"
 
 #include <radiosim/service/xmlseparator_p.h>
@@ -16,11 +15,15 @@ const QByteArray Message = "<Command>\n"
                            "    </RegisterSimulation>\n"
                            "</Command>\n";
 const QByteArray Delivered = Message.chopped(1);
+constexpr auto Auto = XmlSeparator::ModeAutoDetect;
+constexpr auto Plain = XmlSeparator::ModePlainXml;
+constexpr auto BigEndian = XmlSeparator::ModeBigEndianSize;
+constexpr auto LittleEndian = XmlSeparator::ModeLittleEndianSize;
 
 QByteArray frame(const QByteArray &payload, XmlSeparator::Mode mode)
 {
     QByteArray size(4, '\0');
-    if (mode == XmlSeparator::ModeBigEndianSize)
+    if (mode == BigEndian)
         qToBigEndian(quint32(payload.size()), size.data());
     else
         qToLittleEndian(quint32(payload.size()), size.data());
@@ -30,11 +33,17 @@ QByteArray frame(const QByteArray &payload, XmlSeparator::Mode mode)
 // A separator on a hand-fed device, with what it delivers and reports recorded.
 struct Reader
 {
-    explicit Reader(XmlSeparator::Mode mode = XmlSeparator::ModePlainXml)
+    explicit Reader(XmlSeparator::Mode mode = Plain)
         : separator(&device, mode, nullptr)
     {
     }
-    QByteArray document(int i) const { return spy.at(i).at(0).toByteArray(); }
+    QList<QByteArray> documents() const
+    {
+        QList<QByteArray> all;
+        for (const QList<QVariant> &arguments : spy)
+            all << arguments.at(0).toByteArray();
+        return all;
+    }
 
     FeedDevice device;
     XmlSeparator separator;
@@ -49,37 +58,18 @@ class tst_XmlSeparator : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void twoDocumentsInOneReadArriveInOrderFromTheEventLoop();
     void documentSplitAtEveryByte();
     void documentFedByteByByte();
     void whiteSpaceAroundDocuments_data();
     void whiteSpaceAroundDocuments();
-    void multiByteTextInLastChunkLosesBytes();
     void malformedDocumentStopsReadingUntilReset();
     void autoDetection_data();
     void autoDetection();
-    void nothingIsSentBeforeDetection();
     void framedModes_data();
     void framedModes();
-    void framesCompressedBothWays_data();
-    void framesCompressedBothWays();
-    void uncompressedFirstFrameSwitchesCompressionOff();
-    void uncompressedPeerOnRealSockets();
-    void plainModeNeverCompresses();
+    void uncompressedFirstFrameSwitchesCompressionOffForGood();
     void pauseAndResume();
-    void enablingTwiceKeepsOneConnection();
-    void queuedDocumentsSurviveReset();
 };
-
-void tst_XmlSeparator::twoDocumentsInOneReadArriveInOrderFromTheEventLoop()
-{
-    Reader r;
-    r.device.feed(Message + "<Command><HeartBeat/></Command>\n");
-    QCOMPARE(r.spy.count(), 0);
-    QTRY_COMPARE(r.spy.count(), 2);
-    QCOMPARE(r.document(0), Delivered);
-    QCOMPARE(r.document(1), QByteArray("<Command><HeartBeat/></Command>"));
-}
 
 void tst_XmlSeparator::documentSplitAtEveryByte()
 {
@@ -91,24 +81,22 @@ void tst_XmlSeparator::documentSplitAtEveryByte()
         r.device.feed(stream.mid(split));
         QTRY_COMPARE_WITH_TIMEOUT(r.spy.count(), 2, 1000);
         QCOMPARE(r.errors.count(), 0);
-        QCOMPARE(r.document(0), Delivered);
-        QCOMPARE(r.document(1), Delivered);
+        QCOMPARE(r.documents(), QList<QByteArray>({ Delivered, Delivered }));
     }
 }
 
+// Nothing comes before the root's last '>' is in.
 void tst_XmlSeparator::documentFedByteByByte()
 {
     Reader r;
-    const QByteArray lastTag = "</Command>";
+    const int last = Message.lastIndexOf('>');
     for (int i = 0; i < Message.size(); ++i) {
         r.device.feed(Message.mid(i, 1));
         QCoreApplication::processEvents();
-        // Nothing comes before the root's last '>' is in.
-        if (i < Message.indexOf(lastTag) + lastTag.size() - 1)
+        if (i < last)
             QCOMPARE(r.spy.count(), 0);
     }
-    QTRY_COMPARE(r.spy.count(), 1);
-    QCOMPARE(r.document(0), Delivered);
+    QTRY_COMPARE(r.documents(), QList<QByteArray> { Delivered });
 }
 
 void tst_XmlSeparator::whiteSpaceAroundDocuments_data()
@@ -125,239 +113,172 @@ void tst_XmlSeparator::whiteSpaceAroundDocuments_data()
     const QByteArray declared = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<a>1</a>";
     QTest::newRow("declaration is delivered")
         << "\n" + declared + "\n" + declared << QList<QByteArray> { declared, declared };
+    // Slices are measured in characters but cut in bytes: behind the last but one '>' every
+    // extra UTF-8 byte costs one byte at the end of the document. Peers rely on the cut as it is.
+    QTest::newRow("multi-byte text in the last chunk loses bytes")
+        << QByteArray("<r><b/>M\xc3\xbc\xc3\xbc</r><s/>")
+        << QList<QByteArray> { "<r><b/>M\xc3\xbc\xc3\xbc</", "<s/>" };
 }
 
+// Documents come from the event loop, in order; a closing document shows nothing else came.
 void tst_XmlSeparator::whiteSpaceAroundDocuments()
 {
     QFETCH(QByteArray, stream);
     QFETCH(QList<QByteArray>, documents);
+    documents << "<end/>";
     Reader r;
-    r.device.feed(stream);
+    r.device.feed(stream + "<end/>");
+    QCOMPARE(r.spy.count(), 0);
     QTRY_COMPARE(r.spy.count(), documents.size());
-    QTest::qWait(20);
-    QCOMPARE(r.spy.count(), documents.size());
     QCOMPARE(r.errors.count(), 0);
-    for (int i = 0; i < documents.size(); ++i)
-        QCOMPARE(r.document(i), documents.at(i));
+    QCOMPARE(r.documents(), documents);
 }
 
-// Slices are measured in characters but cut in bytes: behind the last but one '>' every extra
-// UTF-8 byte costs one byte at the end of the document. Peers rely on the cut as it is.
-void tst_XmlSeparator::multiByteTextInLastChunkLosesBytes()
-{
-    Reader r;
-    r.device.feed("<r><b/>M\xc3\xbc\xc3\xbc</r><s/>");
-    QTRY_COMPARE(r.spy.count(), 2);
-    QCOMPARE(r.document(0), QByteArray("<r><b/>M\xc3\xbc\xc3\xbc</"));
-    QCOMPARE(r.document(1), QByteArray("<s/>"));
-}
-
+// Resuming alone meets the same error again. A reset drops the error and a half document, but
+// not the documents already queued.
 void tst_XmlSeparator::malformedDocumentStopsReadingUntilReset()
 {
     Reader r;
     r.device.feed("<a></b><c/>");
     QCOMPARE(r.errors.count(), 1);
     QVERIFY(!r.errors.at(0).at(0).toString().isEmpty());
-
     r.device.feed("<d/>");
     QCoreApplication::processEvents();
     QCOMPARE(r.spy.count(), 0);
     QCOMPARE(r.errors.count(), 1);
-
-    // Resuming alone meets the same error again.
     r.separator.resume();
     QCOMPARE(r.errors.count(), 2);
 
     r.separator.reset();
-    r.device.feed("<e/>");
-    QTRY_COMPARE(r.spy.count(), 1);
-    QCOMPARE(r.document(0), QByteArray("<e/>"));
+    r.device.feed("<e/><f/><g");
+    r.separator.reset();
+    r.separator.pause();
+    QTRY_COMPARE(r.spy.count(), 2);
+    r.separator.resume();
+    r.device.feed("<h/>");
+    QTRY_COMPARE(r.documents(), QList<QByteArray>({ "<e/>", "<f/>", "<h/>" }));
 }
 
 void tst_XmlSeparator::autoDetection_data()
 {
     QTest::addColumn<QByteArray>("head");
     QTest::addColumn<int>("mode");
-    QTest::newRow("declaration") << QByteArray("<?xm") << int(XmlSeparator::ModePlainXml);
-    QTest::newRow("big-endian size")
-        << QByteArray("\x00\x00\x01\x00", 4) << int(XmlSeparator::ModeBigEndianSize);
-    QTest::newRow("little-endian size")
-        << QByteArray("\x20\x00\x00\x00", 4) << int(XmlSeparator::ModeLittleEndianSize);
+    QTest::newRow("declaration") << QByteArray("<?xm") << int(Plain);
+    QTest::newRow("big-endian size") << QByteArray("\x00\x00\x01\x00", 4) << int(BigEndian);
+    QTest::newRow("little-endian size") << QByteArray("\x20\x00\x00\x00", 4) << int(LittleEndian);
     QTest::newRow("little-endian 16 MiB taken for text")
-        << QByteArray("\x10\x00\x00\x01", 4) << int(XmlSeparator::ModePlainXml);
-    QTest::newRow("three bytes decide nothing")
-        << QByteArray("<Co") << int(XmlSeparator::ModeAutoDetect);
+        << QByteArray("\x10\x00\x00\x01", 4) << int(Plain);
+    QTest::newRow("three bytes decide nothing") << QByteArray("<Co") << int(Auto);
 }
 
+// Nothing is sent before the mode is known, and plain text is never compressed.
 void tst_XmlSeparator::autoDetection()
 {
     QFETCH(QByteArray, head);
-    Reader r(XmlSeparator::ModeAutoDetect);
+    QFETCH(int, mode);
+    Reader r(Auto);
+    r.separator.setCompression(true);
     r.device.feed(head);
-    QTEST(int(r.separator.mode()), "mode");
-}
-
-void tst_XmlSeparator::nothingIsSentBeforeDetection()
-{
-    Reader r(XmlSeparator::ModeAutoDetect);
-    QVERIFY(!r.separator.sendXml("<a/>"));
-    QVERIFY(r.device.written().isEmpty());
-    r.device.feed("<a/> <b/>");
-    QTRY_COMPARE(r.spy.count(), 2);
-    QVERIFY(r.separator.sendXml("<c/>"));
-    QCOMPARE(r.device.written(), QByteArray("<c/>"));
+    QCOMPARE(int(r.separator.mode()), mode);
+    QCOMPARE(r.separator.sendXml(Message), mode != Auto);
+    if (mode != BigEndian && mode != LittleEndian)
+        QCOMPARE(r.device.written(), mode == Plain ? Message : QByteArray());
 }
 
 void tst_XmlSeparator::framedModes_data()
 {
     QTest::addColumn<int>("modeValue");
     QTest::addColumn<bool>("detect");
-    QTest::newRow("big-endian") << int(XmlSeparator::ModeBigEndianSize) << false;
-    QTest::newRow("little-endian") << int(XmlSeparator::ModeLittleEndianSize) << false;
-    QTest::newRow("big-endian, detected") << int(XmlSeparator::ModeBigEndianSize) << true;
-    QTest::newRow("little-endian, detected") << int(XmlSeparator::ModeLittleEndianSize) << true;
+    QTest::addColumn<bool>("compressed");
+    for (const bool compressed : { false, true })
+        for (const bool detect : { false, true })
+            for (const auto mode : { BigEndian, LittleEndian })
+                QTest::addRow("%s%s%s", mode == BigEndian ? "big-endian" : "little-endian",
+                    detect ? ", detected" : "", compressed ? ", compressed" : "")
+                    << int(mode) << detect << compressed;
 }
 
-// Frames are not parsed: any payload, even one that isn't XML, passes whole.
+// Frames are not parsed: any payload, even one that isn't XML, passes whole, whether the stream
+// comes byte by byte or all in one read.
 void tst_XmlSeparator::framedModes()
 {
     QFETCH(int, modeValue);
-    const auto mode = XmlSeparator::Mode(modeValue);
     QFETCH(bool, detect);
-
-    Reader writer(mode);
-    const QList<QByteArray> payloads { Message, "not xml <<", QByteArray(300, 'x') };
-    for (const QByteArray &payload : payloads)
-        QVERIFY(writer.separator.sendXml(payload));
-    const QByteArray stream = writer.device.written();
-    QCOMPARE(stream,
-        frame(payloads.at(0), mode) + frame(payloads.at(1), mode) + frame(payloads.at(2), mode));
-
-    Reader r(detect ? XmlSeparator::ModeAutoDetect : mode);
-    for (int i = 0; i < stream.size(); ++i)
-        r.device.feed(stream.mid(i, 1));
-    QTRY_COMPARE(r.spy.count(), payloads.size());
-    QCOMPARE(int(r.separator.mode()), int(mode));
-    for (int i = 0; i < payloads.size(); ++i)
-        QCOMPARE(r.document(i), payloads.at(i));
-}
-
-void tst_XmlSeparator::framesCompressedBothWays_data()
-{
-    framedModes_data();
-}
-
-void tst_XmlSeparator::framesCompressedBothWays()
-{
-    QFETCH(int, modeValue);
+    QFETCH(bool, compressed);
     const auto mode = XmlSeparator::Mode(modeValue);
+
     Reader writer(mode);
-    writer.separator.setCompression(true);
+    writer.separator.setCompression(compressed);
     writer.separator.setCompressionLevel(9);
-    QVERIFY(writer.separator.sendXml(Message));
-    QCOMPARE(writer.device.written(), frame(qCompress(Message, 9), mode));
+    const QList<QByteArray> payloads { Message, "not xml <<", QByteArray(300, 'x') };
+    QByteArray expected;
+    for (const QByteArray &payload : payloads) {
+        QVERIFY(writer.separator.sendXml(payload));
+        expected += frame(compressed ? qCompress(payload, 9) : payload, mode);
+    }
+    const QByteArray stream = writer.device.written();
+    QCOMPARE(stream, expected);
 
-    // All three frames in one read: one frame per pass through the event loop.
-    QVERIFY(writer.separator.sendXml("<b/>"));
-    QVERIFY(writer.separator.sendXml("<c/>"));
-    Reader r(mode);
-    r.device.feed(writer.device.written());
-    QTRY_COMPARE(r.spy.count(), 3);
-    QCOMPARE(r.document(0), Message);
-    QCOMPARE(r.document(2), QByteArray("<c/>"));
+    for (const int chunk : { 1, int(stream.size()) }) {
+        Reader r(detect ? Auto : mode);
+        r.separator.setCompression(compressed);
+        for (int i = 0; i < stream.size(); i += chunk)
+            r.device.feed(stream.mid(i, chunk));
+        QTRY_COMPARE(r.spy.count(), payloads.size());
+        QCOMPARE(int(r.separator.mode()), int(mode));
+        QCOMPARE(r.documents(), payloads);
+    }
 }
 
-void tst_XmlSeparator::uncompressedFirstFrameSwitchesCompressionOff()
+// Both ends start with compression on; the client's first frame comes uncompressed from a plain
+// writer, so the server answers uncompressed and delivers compressed frames as they stand.
+void tst_XmlSeparator::uncompressedFirstFrameSwitchesCompressionOffForGood()
 {
-    const auto mode = XmlSeparator::ModeBigEndianSize;
-    Reader r(mode);
-    r.separator.setCompression(true);
-    r.device.feed(frame("<a/>", mode));
-    QTRY_COMPARE(r.spy.count(), 1);
-    QCOMPARE(r.document(0), QByteArray("<a/>"));
-    QVERIFY(r.separator.sendXml("<b/>"));
-    QCOMPARE(r.device.written(), frame("<b/>", mode));
-
-    // For good: a compressed frame is now delivered as it stands.
-    const QByteArray packed = qCompress(QByteArray("<c/>"));
-    r.device.feed(frame(packed, mode));
-    QTRY_COMPARE(r.spy.count(), 2);
-    QCOMPARE(r.document(1), packed);
-}
-
-// Both ends start with compression on; the client's first frame goes out uncompressed from a
-// plain writer, and the server answers uncompressed from then on.
-void tst_XmlSeparator::uncompressedPeerOnRealSockets()
-{
+    const auto mode = BigEndian;
     SocketPair sockets;
     QVERIFY(sockets.open());
-    XmlSeparator serverEnd(sockets.accepted, XmlSeparator::ModeAutoDetect, nullptr);
+    XmlSeparator serverEnd(sockets.accepted, Auto, nullptr);
     serverEnd.setCompression(true);
     QSignalSpy received(&serverEnd, &XmlSeparator::xmlReceived);
-    sockets.client.write(frame(Message, XmlSeparator::ModeBigEndianSize));
+    sockets.client.write(frame(Message, mode));
     QTRY_COMPARE(received.count(), 1);
     QCOMPARE(received.at(0).at(0).toByteArray(), Message);
-    QCOMPARE(int(serverEnd.mode()), int(XmlSeparator::ModeBigEndianSize));
+    QCOMPARE(int(serverEnd.mode()), int(mode));
 
     QVERIFY(serverEnd.sendXml("<Reply/>"));
     QTRY_COMPARE(sockets.client.bytesAvailable(), qint64(4 + 8));
-    QCOMPARE(sockets.client.readAll(), frame("<Reply/>", XmlSeparator::ModeBigEndianSize));
+    QCOMPARE(sockets.client.readAll(), frame("<Reply/>", mode));
+
+    const QByteArray packed = qCompress(QByteArray("<c/>"));
+    sockets.client.write(frame(packed, mode));
+    QTRY_COMPARE(received.count(), 2);
+    QCOMPARE(received.at(1).at(0).toByteArray(), packed);
 }
 
-void tst_XmlSeparator::plainModeNeverCompresses()
-{
-    Reader r;
-    r.separator.setCompression(true);
-    QVERIFY(r.separator.sendXml(Message));
-    QCOMPARE(r.device.written(), Message);
-}
-
+// Resuming reads what waits at once, without a new readyRead; enabling twice still listens
+// once.
 void tst_XmlSeparator::pauseAndResume()
 {
     Reader r;
     r.separator.setEnabled(false);
+    QCOMPARE(r.device.readyReadConnections(), 0);
     r.device.feed("<a/>");
     QTest::qWait(10);
     QCOMPARE(r.spy.count(), 0);
-
-    // Resuming reads what waits at once, without a new readyRead.
     r.separator.setDisabled(false);
     QTRY_COMPARE(r.spy.count(), 1);
 
     r.separator.setDisabled(true);
     r.device.feed("<b/>");
     r.separator.setEnabled(true);
-    QTRY_COMPARE(r.spy.count(), 2);
-    QCOMPARE(r.document(1), QByteArray("<b/>"));
-}
-
-void tst_XmlSeparator::enablingTwiceKeepsOneConnection()
-{
-    Reader r;
-    QCOMPARE(r.device.readyReadConnections(), 1);
-    r.separator.setEnabled(true);
     r.separator.setEnabled(true);
     QCOMPARE(r.device.readyReadConnections(), 1);
+    QTRY_COMPARE(r.documents(), QList<QByteArray>({ "<a/>", "<b/>" }));
     r.separator.reset();
     QCOMPARE(r.device.readyReadConnections(), 1);
     r.separator.pause();
     r.separator.pause();
     QCOMPARE(r.device.readyReadConnections(), 0);
-}
-
-void tst_XmlSeparator::queuedDocumentsSurviveReset()
-{
-    Reader r;
-    r.device.feed("<a/><b/><c");
-    r.separator.reset();
-    r.separator.pause();
-    QTRY_COMPARE(r.spy.count(), 2);
-
-    // The half document went with the reset.
-    r.separator.resume();
-    r.device.feed("<d/>");
-    QTRY_COMPARE(r.spy.count(), 3);
-    QCOMPARE(r.document(2), QByteArray("<d/>"));
 }
 
 QTEST_GUILESS_MAIN(tst_XmlSeparator)
