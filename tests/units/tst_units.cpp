@@ -30,7 +30,7 @@ private Q_SLOTS:
                 QStringLiteral("ERROR INVALID COORDINATES FORMAT"));
             QCOMPARE(Position::formatToCoordFormat(Position::Format(unknown)), CoordDecimal);
         }
-        for (CoordFormat unknown : { CoordReserved5, CoordReserved6, CoordFormat(42) })
+        for (CoordFormat unknown : { CoordReserved5, CoordReserved6 })
             QCOMPARE(Position::coordFormatToFormat(unknown), Position::FormatDecimal);
     }
 
