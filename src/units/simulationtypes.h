@@ -28,6 +28,7 @@ struct HRActivity
     // lists on its real-time path: nodes are recycled through a free list of each thread.
     RADIOSIM_EXPORT static void *operator new(std::size_t size);
     RADIOSIM_EXPORT static void operator delete(void *memory, std::size_t size) noexcept;
+    // The two above hide the placement form, which QList uses for small types.
     static void *operator new(std::size_t, void *place) noexcept { return place; }
 };
 
