@@ -306,21 +306,37 @@ void FrequencySettings_FastHopper::setupFrequencyList() const
     const uint n = hoppCount;
     std::vector<uint> channels(n);
     std::iota(channels.begin(), channels.end(), 0u);
-    uint state = hoppSet;
     const uint swaps = 8u * n;
+    auto next = [](uint state) { return state * 214013u + 2531011u; };
+    auto partner = [n](uint state, uint i, uint b) {
+        const uint r = (state >> 16) & 0x7fffu;
+        if (r + i < i)
+            return (r + i) % n;
+        const uint a = r + b;
+        return a >= n ? a % n : a;
+    };
+    // The partners follow from the generator alone, not from the channels: a second copy runs
+    // Lead swaps ahead and prefetches each partner's line, which the swap then writes.
+    constexpr uint Lead = 32;
+    uint ahead = hoppSet;
+    uint bAhead = 0;
+    uint prefetched = 0;
+    auto prefetchNext = [&] {
+        ahead = next(ahead);
+        __builtin_prefetch(&channels[partner(ahead, prefetched, bAhead)], 1);
+        if (++bAhead == n)
+            bAhead = 0;
+        ++prefetched;
+    };
+    while (prefetched < std::min(Lead, swaps))
+        prefetchNext();
+    uint state = hoppSet;
     uint b = 0;
     for (uint i = 0; i < swaps; ++i) {
-        state = state * 214013u + 2531011u;
-        const uint r = (state >> 16) & 0x7fffu;
-        uint a;
-        if (r + i < i) {
-            a = (r + i) % n;
-        } else {
-            a = r + b;
-            if (a >= n)
-                a %= n;
-        }
-        std::swap(channels[a], channels[b]);
+        if (prefetched < swaps)
+            prefetchNext();
+        state = next(state);
+        std::swap(channels[partner(state, i, b)], channels[b]);
         if (++b == n)
             b = 0;
     }
