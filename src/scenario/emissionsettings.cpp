@@ -345,13 +345,8 @@ uint EmissionSettings::activeUntil() const
 QList<HRActivity> EmissionSettings::calculateHRActivities(
     const SzenarioEmitter *emitter, uint start, uint length) const
 {
-    QList<HRActivity> result;
-    auto append = [&result](const HRActivity &stretch) {
-        result.append(stretch);
-        return true;
-    };
-    visitHRActivities(emitter, start, length, append);
-    return result;
+    return collectActivities(
+        [&](const HRActivitySink &sink) { visitHRActivities(emitter, start, length, sink); });
 }
 
 void EmissionSettings::visitHRActivities(

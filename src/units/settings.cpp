@@ -19,13 +19,8 @@ void IFrequencySettings::visitHRActivities(
 QList<HRActivity> IFrequencySettings::collectHRActivities(
     uint start, uint length, double resolution) const
 {
-    QList<HRActivity> pieces;
-    auto append = [&pieces](const HRActivity &piece) {
-        pieces.append(piece);
-        return true;
-    };
-    visitHRActivities(start, length, resolution, append);
-    return pieces;
+    return collectActivities(
+        [&](const HRActivitySink &sink) { visitHRActivities(start, length, resolution, sink); });
 }
 IPositionSettings::~IPositionSettings() = default;
 

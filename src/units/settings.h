@@ -7,8 +7,8 @@ namespace Simulation {
 
 constexpr uint NoEnd = 4294967295u;
 
-// Receives the pieces of a frequency behaviour one at a time, without a list being built;
-// answering false stops the producer. Refers to the callable, which must outlive it.
+// Receives activity records one at a time, without a list being built; answering false stops
+// the producer. Refers to the callable, which must outlive it.
 class HRActivitySink
 {
 public:
@@ -26,6 +26,18 @@ private:
     void *m_object;
     bool (*m_call)(void *, const HRActivity &);
 };
+
+// What `visit` hands to the sink it is called with, as a list.
+template <typename Visit> QList<HRActivity> collectActivities(const Visit &visit)
+{
+    QList<HRActivity> records;
+    auto append = [&records](const HRActivity &record) {
+        records.append(record);
+        return true;
+    };
+    visit(HRActivitySink(append));
+    return records;
+}
 
 // Frequency behaviour of an emitter or network over scenario time (ms).
 class RADIOSIM_EXPORT IFrequencySettings
