@@ -5,7 +5,6 @@
 
 #include <QDir>
 #include <QFileInfo>
-#include <QRegExp>
 #include <QSaveFile>
 
 namespace OvZip {
@@ -23,8 +22,11 @@ QString slashed(const QString &name)
 bool isSafeEntryName(const QString &name)
 {
     const QString path = slashed(name);
-    if (path.isEmpty() || path.startsWith(QLatin1Char('/'))
-        || QRegExp(QStringLiteral("[A-Za-z]:.*")).exactMatch(path))
+    if (path.isEmpty() || path.startsWith(QLatin1Char('/')))
+        return false;
+    const ushort drive = path.at(0).unicode();
+    if (path.size() > 1 && path.at(1) == QLatin1Char(':')
+        && ((drive >= 'A' && drive <= 'Z') || (drive >= 'a' && drive <= 'z')))
         return false;
     return !path.split(QLatin1Char('/')).contains(QStringLiteral(".."));
 }

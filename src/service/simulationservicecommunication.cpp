@@ -76,10 +76,7 @@ SimulationServiceCommunication::SimulationServiceCommunication(QTcpSocket *pSock
 
 SimulationServiceCommunication::~SimulationServiceCommunication()
 {
-    if (m_pXmlSeparator) {
-        m_pXmlSeparator->disconnect();
-        m_pXmlSeparator->deleteLater();
-    }
+    setSocket(nullptr);
 }
 
 void SimulationServiceCommunication::setSocket(QTcpSocket *pSocket)
@@ -371,9 +368,12 @@ bool SimulationServiceCommunication::emitCommand(XmlElement &command, const QStr
     } else if (sTag == ResponseSimulationDevicesTag) {
         // A damaged record is kept with the fields it has; the first missing index ends the list.
         QVector<SimulationDeviceConfiguration> devices;
-        for (int i = 0; command.hasChildElement(DeviceTag, i); ++i) {
+        for (int i = 0;; ++i) {
+            const XmlElement entry = command.child(DeviceTag, i);
+            if (!entry.isValid())
+                break;
             SimulationDeviceConfiguration device;
-            device.fromXml(command.child(DeviceTag, i).text(DataTag).toUtf8());
+            device.fromXml(entry.text(DataTag).toUtf8());
             devices.append(device);
         }
         Q_EMIT responseSimulationDevices(devices);

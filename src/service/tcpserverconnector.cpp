@@ -17,12 +17,9 @@ QString tryToConnectText(const QString &host, quint16 port)
 } // namespace
 
 TcpServerConnector::TcpServerConnector(const QString &sHostAndPort)
-    : QObject(nullptr)
-    , m_sHost(sHostAndPort.section(QLatin1Char(':'), 0, 0))
-    , m_uiPort(quint16(sHostAndPort.section(QLatin1Char(':'), 1, 1).toInt()))
-    , m_pSocket(new QTcpSocket(this))
+    : TcpServerConnector(sHostAndPort.section(QLatin1Char(':'), 0, 0),
+        quint16(sHostAndPort.section(QLatin1Char(':'), 1, 1).toInt()))
 {
-    setUpSocket();
 }
 
 TcpServerConnector::TcpServerConnector(const QString &sHost, quint16 uiPort)

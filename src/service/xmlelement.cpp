@@ -201,7 +201,7 @@ void XmlElement::appendElement(const XmlElement &other)
 {
     if (m_doc.isNull() || other.m_element.parentNode() == m_element)
         return;
-    m_element.appendChild(m_doc.importNode(other.m_element.cloneNode(true), true));
+    m_element.appendChild(m_doc.importNode(other.m_element, true));
 }
 
 QByteArray XmlElement::toByteArray() const
@@ -302,7 +302,7 @@ uint XmlElement::uintAttribute(const QString &sName) const
 
 bool XmlElement::hasBoolChild(const QString &sName) const
 {
-    return hasChild(sName) && isBoolText(childText(sName));
+    return isBoolText(childText(sName));
 }
 
 bool XmlElement::hasBoolChildRemembered(const QString &sName)
@@ -312,7 +312,7 @@ bool XmlElement::hasBoolChildRemembered(const QString &sName)
 
 bool XmlElement::hasDoubleChild(const QString &sName) const
 {
-    return hasChild(sName) && isDoubleText(childText(sName));
+    return isDoubleText(childText(sName));
 }
 
 bool XmlElement::hasDoubleChildRemembered(const QString &sName)
@@ -322,7 +322,7 @@ bool XmlElement::hasDoubleChildRemembered(const QString &sName)
 
 bool XmlElement::hasIntChild(const QString &sName) const
 {
-    return hasChild(sName) && isIntText(childText(sName));
+    return isIntText(childText(sName));
 }
 
 bool XmlElement::hasIntChildRemembered(const QString &sName)
@@ -332,7 +332,7 @@ bool XmlElement::hasIntChildRemembered(const QString &sName)
 
 bool XmlElement::hasUIntChild(const QString &sName) const
 {
-    return hasChild(sName) && isUIntText(childText(sName));
+    return isUIntText(childText(sName));
 }
 
 bool XmlElement::hasUIntChildRemembered(const QString &sName)
@@ -342,7 +342,7 @@ bool XmlElement::hasUIntChildRemembered(const QString &sName)
 
 bool XmlElement::hasUInt64Child(const QString &sName) const
 {
-    return hasChild(sName) && isUInt64Text(childText(sName));
+    return isUInt64Text(childText(sName));
 }
 
 bool XmlElement::hasUInt64ChildRemembered(const QString &sName)
@@ -352,8 +352,7 @@ bool XmlElement::hasUInt64ChildRemembered(const QString &sName)
 
 bool XmlElement::boolChild(const QString &sName) const
 {
-    const QString name = childName(sName);
-    return hasBoolChild(name) && childText(name) == True;
+    return text(sName) == True;
 }
 
 double XmlElement::doubleChild(const QString &sName) const
