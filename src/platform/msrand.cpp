@@ -13,8 +13,8 @@ void srand(unsigned int seed)
 
 int rand()
 {
-    state = state * 214013u + 2531011u;
-    return int((state >> 16) & 0x7fffu);
+    state = nextState(state);
+    return output(state);
 }
 
 } // namespace MsRuntime

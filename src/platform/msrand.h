@@ -9,6 +9,17 @@ namespace MsRuntime {
 
 constexpr int RandMax = 0x7fff;
 
+// One step of the generator, and the value rand() gives for the state after it: for code
+// that runs a local copy of the sequence.
+constexpr unsigned int nextState(unsigned int state)
+{
+    return state * 214013u + 2531011u;
+}
+constexpr int output(unsigned int state)
+{
+    return int((state >> 16) & unsigned(RandMax));
+}
+
 RADIOSIM_EXPORT void srand(unsigned int seed);
 // Next value in [0, RandMax].
 RADIOSIM_EXPORT int rand();

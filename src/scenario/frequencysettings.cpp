@@ -3,6 +3,7 @@
 #include <radiosim/platform/msrand.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <limits>
 #include <numeric>
@@ -215,9 +216,13 @@ double FrequencySettings_FastHopper::getFrequencyAt(uint time) const
 {
     if (hoppCount == 0 || hoppRate == 0)
         return 0.0;
-    const float hop = 1000.0f / float(hoppRate);
-    const qint64 x = truncate(float(time) - hop * timeslotOffset);
     setupFrequencyList();
+    return channelAt(time, 1000.0f / float(hoppRate));
+}
+
+double FrequencySettings_FastHopper::channelAt(uint time, float hop) const
+{
+    const qint64 x = truncate(float(time) - hop * timeslotOffset);
     const qint64 i = truncate(float(low32(x)) / hop);
     return frequencyList[low32(i) % hoppCount];
 }
@@ -244,11 +249,13 @@ void FrequencySettings_FastHopper::visitHRActivities(
     if (hoppCount == 0 || hoppRate == 0)
         return;
     setupFrequencyList();
-    const double hop = double(std::ceil(1000.0f / float(hoppRate)));
+    // Slots are laid out on whole ms, but each piece takes its channel as getFrequencyAt does.
+    const float channelHop = 1000.0f / float(hoppRate);
+    const double hop = double(std::ceil(channelHop));
     const qint64 offset = truncate(double(timeslotOffset) * hop);
     qint64 k = truncate(double(low32(offset + start)) / hop);
     if (!sink(HRActivity { start, quint64(offset),
-            getFrequencyAt(low32(truncate(double(offset) * 0.5 + start))) }))
+            channelAt(low32(truncate(double(offset) * 0.5 + start)), channelHop) }))
         return;
     const uint end = start + length;
     for (double x = double(k) * hop; double(end) > x; x = double(++k) * hop) {
@@ -260,7 +267,8 @@ void FrequencySettings_FastHopper::visitHRActivities(
             // A slot that begins behind the window end has hi below lo and a length wrapped
             // to nearly 2^32; kept, the merge with the timetable drops it for its begin.
             const uint span = hi - lo;
-            if (!sink(HRActivity { lo, span, getFrequencyAt(low32(truncate(span * 0.5 + lo))) }))
+            if (!sink(HRActivity {
+                    lo, span, channelAt(low32(truncate(span * 0.5 + lo)), channelHop) }))
                 return;
         }
     }
@@ -307,36 +315,38 @@ void FrequencySettings_FastHopper::setupFrequencyList() const
     std::vector<uint> channels(n);
     std::iota(channels.begin(), channels.end(), 0u);
     const uint swaps = 8u * n;
-    auto next = [](uint state) { return state * 214013u + 2531011u; };
-    auto partner = [n](uint state, uint i, uint b) {
-        const uint r = (state >> 16) & 0x7fffu;
-        if (r + i < i)
-            return (r + i) % n;
-        const uint a = r + b;
-        return a >= n ? a % n : a;
-    };
-    // The partners follow from the generator alone, not from the channels: a second copy runs
-    // Lead swaps ahead and prefetches each partner's line, which the swap then writes.
+    // The partners follow from the generator alone, not from the channels: they are worked out
+    // Lead swaps ahead into a ring, and each one's line is prefetched for the swap that writes it.
     constexpr uint Lead = 32;
-    uint ahead = hoppSet;
-    uint bAhead = 0;
-    uint prefetched = 0;
-    auto prefetchNext = [&] {
-        ahead = next(ahead);
-        __builtin_prefetch(&channels[partner(ahead, prefetched, bAhead)], 1);
-        if (++bAhead == n)
-            bAhead = 0;
-        ++prefetched;
-    };
-    while (prefetched < std::min(Lead, swaps))
-        prefetchNext();
+    std::array<uint, Lead> partners;
     uint state = hoppSet;
+    uint planned = 0;
+    uint bPlanned = 0;
+    auto plan = [&] {
+        state = MsRuntime::nextState(state);
+        const auto r = uint(MsRuntime::output(state));
+        uint a;
+        if (r + planned < planned) {
+            a = (r + planned) % n;
+        } else {
+            a = r + bPlanned;
+            if (a >= n)
+                a %= n;
+        }
+        __builtin_prefetch(&channels[a], 1);
+        partners[planned % Lead] = a;
+        if (++bPlanned == n)
+            bPlanned = 0;
+        ++planned;
+    };
+    while (planned < std::min(Lead, swaps))
+        plan();
     uint b = 0;
     for (uint i = 0; i < swaps; ++i) {
-        if (prefetched < swaps)
-            prefetchNext();
-        state = next(state);
-        std::swap(channels[partner(state, i, b)], channels[b]);
+        const uint a = partners[i % Lead];
+        if (planned < swaps)
+            plan();
+        std::swap(channels[a], channels[b]);
         if (++b == n)
             b = 0;
     }

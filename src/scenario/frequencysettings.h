@@ -105,6 +105,8 @@ public:
 private:
     void setupFrequencyList() const;
     void invalidateFrequencyList();
+    // The channel of the slot at `time` for a slot length of `hop` ms, on a built list.
+    double channelAt(uint time, float hop) const;
 
     double minimumFrequency = 24000000.0;
     // Never itself a channel: the top channel lies one spacing below it.
