@@ -70,6 +70,12 @@ QList<HRActivity> FrequencySettingsFixed::calculateHRActivities(
     return { HRActivity { start, length, centerFrequency } };
 }
 
+void FrequencySettingsFixed::visitHRActivities(
+    uint start, uint length, double, const HRActivitySink &sink) const
+{
+    sink(HRActivity { start, length, centerFrequency });
+}
+
 uint FrequencySettingsFixed::activeUntil() const
 {
     return NoEnd;

@@ -107,6 +107,8 @@ public:
     // One record over the whole span; the resolution is not needed.
     QList<HRActivity> calculateHRActivities(
         uint start, uint length, double resolution) const override;
+    void visitHRActivities(
+        uint start, uint length, double resolution, const HRActivitySink &sink) const override;
     uint activeUntil() const override;
     bool equal(const IFrequencySettings *other) const override;
     IFrequencySettings *clone() const override;
