@@ -62,19 +62,20 @@ const PositionSettingsPtp::Leg &PositionSettingsPtp::leg(int row) const
     return legs.at(row);
 }
 
-int PositionSettingsPtp::legAt(uint time, uint &elapsed, uint &routeTime) const
+int PositionSettingsPtp::legAt(uint time, uint &elapsed) const
 {
     uint begin = 0;
     for (int i = 0; i + 1 < movements.size(); ++i) {
         const uint legTime = movements[i].dwellTime + movements[i].transitionTime;
         if (begin <= time && time < begin + legTime) {
             elapsed = time - begin;
-            routeTime = 0;
             return i;
         }
         begin += legTime;
     }
-    routeTime = begin;
+    // A route of zero time cannot restart; it stands like a stopped one.
+    if (endBehavior == EndRestart && begin != 0)
+        return legAt(time % begin, elapsed);
     return -1;
 }
 
@@ -83,31 +84,24 @@ TPos PositionSettingsPtp::getPositionAt(uint time) const
     if (movements.isEmpty())
         return {};
     uint elapsed = 0;
-    uint routeTime = 0;
-    const int leg = legAt(time, elapsed, routeTime);
-    if (leg >= 0) {
-        const MovementPoint &from = movements[leg];
-        if (elapsed < from.dwellTime)
-            return from.position;
-        const TPos &to = movements[leg + 1].position;
-        const double f = double(elapsed - from.dwellTime) / from.transitionTime;
-        return TPos { (to.lon - from.position.lon) * f + from.position.lon,
-            (to.lat - from.position.lat) * f + from.position.lat };
-    }
-    if (endBehavior == EndRestart && routeTime != 0)
-        return getPositionAt(time % routeTime);
-    return movements.last().position;
+    const int leg = legAt(time, elapsed);
+    if (leg < 0)
+        return movements.last().position;
+    const MovementPoint &from = movements[leg];
+    if (elapsed < from.dwellTime)
+        return from.position;
+    const TPos &to = movements[leg + 1].position;
+    const double f = double(elapsed - from.dwellTime) / from.transitionTime;
+    return TPos { (to.lon - from.position.lon) * f + from.position.lon,
+        (to.lat - from.position.lat) * f + from.position.lat };
 }
 
 double PositionSettingsPtp::headingAt(uint time) const
 {
     uint elapsed = 0;
-    uint routeTime = 0;
-    const int leg = legAt(time, elapsed, routeTime);
+    const int leg = legAt(time, elapsed);
     if (leg >= 0)
         return this->leg(leg).azimuth;
-    if (endBehavior == EndRestart && routeTime != 0)
-        return headingAt(time % routeTime);
     const int n = movements.size();
     return n < 2 ? 0.0 : this->leg(n - 2).azimuth;
 }
@@ -115,14 +109,8 @@ double PositionSettingsPtp::headingAt(uint time) const
 double PositionSettingsPtp::speedAt(uint time) const
 {
     uint elapsed = 0;
-    uint routeTime = 0;
-    const int leg = legAt(time, elapsed, routeTime);
-    if (leg >= 0)
-        return getMovementSpeed(leg);
-    // A route of zero time cannot restart; it stands like a stopped one.
-    if (endBehavior == EndRestart && routeTime != 0)
-        return speedAt(time % routeTime);
-    return 0.0;
+    const int leg = legAt(time, elapsed);
+    return leg >= 0 ? getMovementSpeed(leg) : 0.0;
 }
 
 bool PositionSettingsPtp::isTimeDependend() const
@@ -211,8 +199,7 @@ void PositionSettingsPtp::updatePoint(int)
             point.dwellTime = 0;
         }
         if (next.speed > 0.0) {
-            const double ms = std::floor(
-                distance(point.position, next.position) / next.speed * 3600.0 * 1000.0);
+            const double ms = std::floor(leg(i).distance / next.speed * 3600.0 * 1000.0);
             // Through 64 bits: a leg of more than 49 days wraps instead of being undefined.
             point.transitionTime = uint(quint64(ms));
         } else {
@@ -389,7 +376,7 @@ void PositionSettingsPtp::setArivalTime(int row, uint time)
     double d = 0.0;
     int i = row;
     do {
-        d += distance(movements[i - 1].position, movements[i].position);
+        d += leg(i - 1).distance;
         --i;
     } while (i > 0 && !movements[i].major);
     // Arriving at the previous departure gives an infinite speed and a leg of no time.

@@ -106,9 +106,9 @@ private:
     void updatePoint(int row);
     bool sameRoute(const PositionSettingsPtp &other) const;
     // Index of the leg (dwell at its first point, then the transition) running at time, with
-    // the ms elapsed since it began; -1 past the end of the walk, which leaves out the last
-    // point's dwell and transition time. routeTime receives the length of the walk.
-    int legAt(uint time, uint &elapsed, uint &routeTime) const;
+    // the ms elapsed since it began; a restarting route starts over at the end of the walk,
+    // which leaves out the last point's dwell and transition time. -1 past the end otherwise.
+    int legAt(uint time, uint &elapsed) const;
     uint sumOfTimesBefore(int row) const;
     // Azimuth and distance of the leg from point `row` to the next, solved once after each
     // edit of the geometry: a device asks heading and speed continuously, and a geodesic costs
