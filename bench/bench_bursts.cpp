@@ -69,8 +69,8 @@ struct Scenario
             auto emitter = std::make_shared<SzenarioEmitter>(QString::number(i), QString());
             emitter->setFrequencySettings(frequencyFor(i, random));
             fillTimetable(emitter, random);
-            // Builds the hop lists now, as a device's first poll would.
-            emitter->calculateBursts(0, Window, 1000.0);
+            // Builds the hop lists now, outside the timed loop.
+            emitter->frequencySettings()->getFrequencyAt(0);
             emitters.push_back(emitter);
         }
     }

@@ -1,7 +1,5 @@
 #include "emissionsettings.h"
 
-#include <radiosim/units/settings.h>
-
 #include <QHash>
 
 #include <boost/make_shared.hpp>
