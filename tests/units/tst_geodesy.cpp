@@ -24,13 +24,6 @@ static QVector<double> geodSolve(const QStringList &options, double a, double b,
 
 static const char NoGeodSolve[] = "GeodSolve (geographiclib-tools) failed or is not installed";
 
-static bool writeFile(const QString &path, const QByteArray &content = {})
-{
-    QFile file(path);
-    return QDir().mkpath(QFileInfo(path).path()) && file.open(QIODevice::WriteOnly)
-        && file.write(content) == content.size();
-}
-
 class tst_Geodesy : public QObject
 {
     Q_OBJECT
@@ -46,7 +39,6 @@ private Q_SLOTS:
     {
         QTest::addColumn<TPos>("from");
         QTest::addColumn<TPos>("to");
-        QTest::newRow("short") << TPos { 11.4208, 48.1967 } << TPos { 11.4013, 48.1576 };
         QTest::newRow("across the date line") << TPos { 179.5, -16.0 } << TPos { -178.0, -18.5 };
         QTest::newRow("westward is above 180") << TPos { 151.2, -33.9 } << TPos { 115.9, -31.9 };
         QTest::newRow("due north is 0, not 360") << TPos { 11.0, 48.0 } << TPos { 11.0, 49.0 };
@@ -91,7 +83,10 @@ private Q_SLOTS:
         QVERIFY(copyDir(dir.filePath("missing"), dir.filePath("a/b")));
         QVERIFY(QFileInfo(dir.filePath("a/b")).isDir());
         const QString target = dir.filePath("dst");
-        QVERIFY(writeFile(dir.filePath("src/sub/.hidden/data.bin"), "payload"));
+        QFile source(dir.filePath("src/sub/.hidden/data.bin"));
+        QVERIFY(QDir().mkpath(dir.filePath("src/sub/.hidden")) && source.open(QIODevice::WriteOnly)
+            && source.write("payload") == 7);
+        source.close();
         QVERIFY(copyDir(dir.filePath("src"), target));
         QFile copied(target + "/sub/.hidden/data.bin");
         QVERIFY(copied.open(QIODevice::ReadOnly) && copied.readAll() == "payload");
