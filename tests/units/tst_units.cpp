@@ -95,6 +95,7 @@ private Q_SLOTS:
             { "12.5m", 0.0, 12500000.0, true },
             { "12", 8000000.0, 12000.0, true },
             { "3 kHz", 5e9, 3000.0, true },
+            { "1.2 G", 0.0, 1200000000.0, true },
             { "12 foo", 0.0, 12.0, true }, // the tail is not checked
             { "abc", 0.0, 0.0, false },
             { "-5 kHz", 0.0, 0.0, false },
