@@ -13,9 +13,11 @@ class tst_SimulationTypes : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    // Files hold "CW" for no modulation and are read back by exact name only.
-    void modulationNames()
+    void names()
     {
+        QCOMPARE(stringForFrequencySettingsType(FrequencyChirp), QStringLiteral("Frequency Chirp"));
+        QCOMPARE(stringForNetworkType(NetworkHierarchical), QStringLiteral("Hierarchical"));
+        // Files hold "CW" for no modulation and are read back by exact name only.
         QCOMPARE(analogModulationToString(ModulationNone), QStringLiteral("CW"));
         QCOMPARE(analogModulationFromString(QStringLiteral("Digital")), ModulationDigital);
         QCOMPARE(analogModulationFromString(QStringLiteral("fm")), ModulationNone);
@@ -49,6 +51,8 @@ private Q_SLOTS:
         QVERIFY(fixed.getMinimumFrequency() == 1.0e6 && fixed.getMaximumFrequency() == 1.0e6);
 
         PositionSettingsFixed position({ 11.0, 48.0 });
+        QVERIFY(position.getPositionAt(99).lat == 48.0 && position.headingAt(99) == 0.0
+            && position.speedAt(99) == 0.0);
         std::unique_ptr<IPositionSettings> moved(position.clone());
         QVERIFY(position.equal(moved.get()));
         moved->setPosition({ 11.0, 48.0 + 1e-12 });
