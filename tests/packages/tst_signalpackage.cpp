@@ -13,15 +13,14 @@ private Q_SLOTS:
     // One underscore for every unsafe character, so different ids can fall together.
     void cleanId()
     {
-        const QPair<QString, QString> ids[] = { { "/Default/Default", "_Default_Default" },
-            { "a\\b/c:d*e?f\"g<h>i|j.k", "a_b_c_d_e_f_g_h_i_j_k" }, { "/a.b", "_a_b" },
-            { "Gauss 10k-(x)_y", "Gauss 10k-(x)_y" }, { QString(), QString() } };
-        for (const auto &[id, expected] : ids) {
+        const QPair<QString, QString> ids[]
+            = { { "a\\b/c:d*e?f\"g<h>i|j.k", "a_b_c_d_e_f_g_h_i_j_k" },
+                  { "Gauss 10k-(x)_y", "Gauss 10k-(x)_y" }, { QString(), QString() } };
+        for (const auto &[id, expected] : ids)
             QCOMPARE(SignalPackage::cleanId(id), expected);
-            SignalPackage package;
-            package.setId(id);
-            QCOMPARE(package.cleanId(), expected);
-        }
+        SignalPackage package;
+        package.setId("/a.b");
+        QCOMPARE(package.cleanId(), QStringLiteral("_a_b"));
     }
 
     void cleanIdIsReentrant()
@@ -38,16 +37,16 @@ private Q_SLOTS:
     void fullNameKeepsTheLeadingSlash()
     {
         SignalPackage package;
-        package.setName(QStringLiteral("x"));
+        package.setName("x");
         QCOMPARE(package.fullName(), QStringLiteral("/x"));
-        package.setPath(QStringLiteral("Default"));
+        package.setPath("Default");
         QCOMPARE(package.fullName(), QStringLiteral("Default/x"));
     }
 
     void digitalModulationCountsOnlyWithDigital()
     {
         SignalPackage package;
-        package.setDigitalModulation(QStringLiteral("PSK"));
+        package.setDigitalModulation("PSK");
         QVERIFY(!package.hasDigitalModulation());
         package.setAnalogModulation(ModulationDigital);
         QVERIFY(package.hasDigitalModulation());

@@ -24,13 +24,6 @@ static QVector<double> geodSolve(const QStringList &options, double a, double b,
 
 static const char NoGeodSolve[] = "GeodSolve (geographiclib-tools) failed or is not installed";
 
-static bool writeFile(const QString &path, const QByteArray &content = {})
-{
-    QFile file(path);
-    return QDir().mkpath(QFileInfo(path).path()) && file.open(QIODevice::WriteOnly)
-        && file.write(content) == content.size();
-}
-
 class tst_Geodesy : public QObject
 {
     Q_OBJECT
@@ -46,13 +39,9 @@ private Q_SLOTS:
     {
         QTest::addColumn<TPos>("from");
         QTest::addColumn<TPos>("to");
-        QTest::newRow("short, north-east")
-            << TPos { 11.4208, 48.1967 } << TPos { 11.4013, 48.1576 };
-        QTest::newRow("across the equator") << TPos { -47.9, -15.8 } << TPos { -74.0, 40.7 };
         QTest::newRow("across the date line") << TPos { 179.5, -16.0 } << TPos { -178.0, -18.5 };
-        QTest::newRow("due west, southern") << TPos { 151.2, -33.9 } << TPos { 115.9, -31.9 };
+        QTest::newRow("westward is above 180") << TPos { 151.2, -33.9 } << TPos { 115.9, -31.9 };
         QTest::newRow("due north is 0, not 360") << TPos { 11.0, 48.0 } << TPos { 11.0, 49.0 };
-        QTest::newRow("due south") << TPos { 11.0, 48.0 } << TPos { 11.0, 47.0 };
     }
 
     void inverseAgreesWithGeodSolve()
@@ -62,8 +51,8 @@ private Q_SLOTS:
         const QVector<double> out = geodSolve({ "-i" }, from.lat, from.lon, to.lat, to.lon);
         QVERIFY2(out.size() == 3, NoGeodSolve);
         const double expectedAzimuth = out[0] < 0 ? out[0] + 360.0 : out[0];
-        QVERIFY(qAbs(azimuth(from, to) - expectedAzimuth) < 1e-9);
-        QVERIFY(qAbs(distance(from, to) - out[2] / 1000.0) < 1e-9);
+        QVERIFY(qAbs(azimuth(from, to) - expectedAzimuth) < 1e-9
+            && qAbs(distance(from, to) - out[2] / 1000.0) < 1e-9);
     }
 
     void directAgreesWithGeodSolve_data()
@@ -72,7 +61,6 @@ private Q_SLOTS:
         QTest::addColumn<double>("azimuthDeg");
         QTest::addColumn<double>("km");
         QTest::newRow("north-east 10 km") << TPos { 11.0, 48.0 } << 45.0 << 10.0;
-        QTest::newRow("south-west 500 km") << TPos { -70.6, -33.4 } << 225.0 << 500.0;
         QTest::newRow("due north across the pole") << TPos { 0.0, 89.9 } << 0.0 << 50.0;
     }
 
@@ -84,8 +72,7 @@ private Q_SLOTS:
         const QVector<double> out = geodSolve({}, from.lat, from.lon, azimuthDeg, km * 1000.0);
         QVERIFY2(out.size() == 3, NoGeodSolve);
         const TPos reached = position(from, azimuthDeg, km);
-        QVERIFY(qAbs(reached.lat - out[0]) < 1e-9);
-        QVERIFY(qAbs(reached.lon - out[1]) < 1e-9);
+        QVERIFY(qAbs(reached.lat - out[0]) < 1e-9 && qAbs(reached.lon - out[1]) < 1e-9);
     }
 
     // Copying takes hidden entries and never overwrites; removing takes a link inside the tree
@@ -96,16 +83,17 @@ private Q_SLOTS:
         QVERIFY(copyDir(dir.filePath("missing"), dir.filePath("a/b")));
         QVERIFY(QFileInfo(dir.filePath("a/b")).isDir());
         const QString target = dir.filePath("dst");
-        QVERIFY(writeFile(dir.filePath("src/sub/.hidden/data.bin"), "payload"));
+        QFile source(dir.filePath("src/sub/.hidden/data.bin"));
+        QVERIFY(QDir().mkpath(dir.filePath("src/sub/.hidden")) && source.open(QIODevice::WriteOnly)
+            && source.write("payload") == 7);
+        source.close();
         QVERIFY(copyDir(dir.filePath("src"), target));
         QFile copied(target + "/sub/.hidden/data.bin");
-        QVERIFY(copied.open(QIODevice::ReadOnly));
-        QCOMPARE(copied.readAll(), QByteArray("payload"));
+        QVERIFY(copied.open(QIODevice::ReadOnly) && copied.readAll() == "payload");
         QVERIFY(!copyDir(dir.filePath("src"), target));
 
         QVERIFY(QFile::link(dir.filePath("src"), target + "/link"));
-        QVERIFY(removeDir(target));
-        QVERIFY(!QFileInfo::exists(target));
+        QVERIFY(removeDir(target) && !QFileInfo::exists(target));
         QVERIFY(QFileInfo::exists(dir.filePath("src/sub/.hidden/data.bin")));
         QVERIFY(removeDir(target));
     }
