@@ -297,7 +297,6 @@ void tst_PositionSettings::arcPointsLieOnTheCircle_data()
     columns<int, int, int, double>("row", "count", "angle", "radius");
     row("from the end, left", 2, 5, 90, 500.0);
     row("from the start, right", 0, 3, -180, 200.0);
-    row("middle, after a leg", 1, 4, 120, 1000.0);
     row("full circle", 1, 9, 360, 300.0);
 }
 
