@@ -205,10 +205,8 @@ void tst_EmissionSettings::makeContinousActiveKeepsThePackage()
 void tst_EmissionSettings::removalCascadesThroughEmptyGroupsOnly()
 {
     EmissionSettings settings;
-    const auto entry = addEntry(&settings, 10, 10);
-    const auto other = addEntry(&settings, 30, 10);
-    const auto inner = settings.createGroup();
-    const auto outer = settings.createGroup();
+    const auto entry = addEntry(&settings, 10, 10), other = addEntry(&settings, 30, 10);
+    const auto inner = settings.createGroup(), outer = settings.createGroup();
     const auto unrelated = settings.createGroup();
     inner->members << entry;
     outer->subGroups << inner;
@@ -229,11 +227,9 @@ void tst_EmissionSettings::assignmentCopiesTheGraphDeeply()
     const auto emitter = makeEmitter("E");
     EmissionSettings source;
     fill(&source, { { 500, 10 }, { 100, 10 } }, 1000, true, emitter);
-    const auto early = source.emissions().at(0);
-    const auto late = source.emissions().at(1);
+    const auto early = source.emissions().at(0), late = source.emissions().at(1);
     late->id = 7;
-    const auto parent = source.createGroup();
-    const auto child = source.createGroup();
+    const auto parent = source.createGroup(), child = source.createGroup();
     parent->id = 3;
     parent->name = QStringLiteral("parent");
     child->parent = parent;
@@ -254,8 +250,7 @@ void tst_EmissionSettings::assignmentCopiesTheGraphDeeply()
     // The entry's group pointer is copied as it stands, so it still names the old group.
     QCOMPARE(copiedLate->group, child);
 
-    const auto copiedParent = copy.groups().at(0);
-    const auto copiedChild = copy.groups().at(1);
+    const auto copiedParent = copy.groups().at(0), copiedChild = copy.groups().at(1);
     QVERIFY(copiedParent != parent && copiedChild != child);
     QVERIFY(copiedParent->id == 0u && copiedParent->name.isEmpty() && !copiedChild->parent);
     QCOMPARE(copiedParent->subGroups, QList<GroupPointer> { copiedChild });

@@ -38,9 +38,7 @@ QString describe(const MovementPoint &p)
         .arg(p.speed, 0, 'g', 8);
 }
 
-const TPos p0 { 11.0, 48.0 };
-const TPos p1 { 11.02, 48.01 };
-const TPos p2 { 11.02, 48.03 };
+const TPos p0 { 11.0, 48.0 }, p1 { 11.02, 48.01 }, p2 { 11.02, 48.03 };
 
 // Distances and azimuths come from GeographicLib's GeodSolve, not from our own geodesy.
 QString geodSolvePath;

@@ -198,8 +198,7 @@ void tst_ScenarioObject::copyingConstructorTakesEffectivePosition()
 
 void tst_ScenarioObject::cloneCopiesDeeplyButNotVisibility()
 {
-    const auto source = makeEmitter("S");
-    const auto linked = makeEmitter("L");
+    const auto source = makeEmitter("S"), linked = makeEmitter("L");
     link(linked, source);
     source->setVisibleOnMap(true);
     source->setVisibleOnTimeline(true);
@@ -283,8 +282,7 @@ void tst_ScenarioObject::releasedScenarioDies()
         c->emissionSettings()->makeContinousActive(c, nullptr);
         // Groups that refer to each other and to their entries, as an editor sets them.
         EmissionSettings *table = network->emissionSettings();
-        const auto parent = table->createGroup();
-        const auto child = table->createGroup();
+        const auto parent = table->createGroup(), child = table->createGroup();
         child->parent = parent;
         parent->subGroups << child;
         child->members << table->emissions();
