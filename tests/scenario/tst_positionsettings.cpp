@@ -6,7 +6,6 @@
 
 #include <cmath>
 #include <functional>
-#include <memory>
 
 using namespace Simulation;
 
@@ -142,7 +141,6 @@ void tst_PositionSettings::queriesFollowEveryEditOfTheGeometry()
 {
     PositionSettingsPtp route({ 11.0, 48.0 }, 0.1);
     const std::function<void(PositionSettingsPtp &)> edits[] = {
-        [](PositionSettingsPtp &) {},
         [](PositionSettingsPtp &r) { r.setPoint(1, point(10.8, 48.05, true, 50.0)); },
         [](PositionSettingsPtp &r) { r.insertRowAfter(0, 2.0, QStringLiteral("between")); },
         [](PositionSettingsPtp &r) {
