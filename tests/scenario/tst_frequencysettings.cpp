@@ -155,6 +155,7 @@ void tst_FrequencySettings::activities_data()
         "300+100@2000000;400+50@1000000");
     const auto stop = Settings(slowHopper(EndStop));
     row("slow stop stretches", stop, 150u, 100u, 0.0, "150+100@2000000");
+    row("slow stop after end", stop, 300u, 10u, 0.0, "300+10@2000000");
     row("slow stop at total restarts", stop, 200u, 50u, 0.0, "200+50@1000000");
     const auto inactive = Settings(slowHopper(EndInactive));
     row("slow inactive stretches", inactive, 150u, 100u, 0.0, "150+100@2000000");
@@ -259,6 +260,7 @@ void tst_FrequencySettings::slowHopperTableEditing_data()
     columns<SlowEdit, QString>("edit", "expected");
     using H = FrequencySettings_SlowHopper;
     row("remove first", SlowEdit([](H &h) { h.removeStep(0); }), "1/100;2/100");
+    row("remove second", SlowEdit([](H &h) { h.removeStep(1); }), "1/100");
     row("insert behind", SlowEdit([](H &h) { h.insertStep(0); }), "1/100;1/100;2/100");
     row("append", SlowEdit([](H &h) { h.insertStep(-1); }), "1/100;2/100;2/100");
     row("insert beyond", SlowEdit([](H &h) { h.insertStep(2); }), "1/100;2/100");

@@ -212,6 +212,8 @@ void tst_PositionSettings::inactiveLimitIncludesLastPoint()
         settings.setEndBehavior(EndInactive);
         QCOMPARE(settings.activeUntil(), until);
         QVERIFY(settings.isActiveAt(until) && !settings.isActiveAt(until + 1));
+        settings.setEndBehavior(EndStop);
+        QVERIFY(settings.activeUntil() == NoEnd && settings.isActiveAt(until + 1));
     }
 }
 
@@ -231,7 +233,10 @@ void tst_PositionSettings::equalIsInverted()
         other.setPoint(1, p);
         QCOMPARE(original.equal(&other), edit.second);
     }
-    PositionSettingsPtp longer = original;
+    // The end behaviour is not compared.
+    PositionSettingsPtp stopping = original, longer = original;
+    stopping.setEndBehavior(EndStop);
+    QVERIFY(!original.equal(&stopping));
     longer.insertRowAfter(0, 0.001, QString());
     PositionSettingsFixed fixed(p0);
     QVERIFY(original.equal(&longer) && !original.equal(&fixed) && !original.equal(nullptr));
