@@ -182,6 +182,7 @@ void tst_ScenarioObject::copyingConstructorTakesEffectivePosition()
     target->setPositionSettings(new PositionSettingsFixed({ 2.0, 3.0 }));
     const auto source = makeEmitter("S");
     link(source, target);
+    source->setDescription(QStringLiteral("d"));
     source->setVisibleOnMap(true);
     source->getTranmitterSettings()->setPower(7.0f);
     const auto network = makeNetwork();
@@ -189,7 +190,8 @@ void tst_ScenarioObject::copyingConstructorTakesEffectivePosition()
 
     const auto copy
         = std::make_shared<SzenarioEmitter>(QStringLiteral("C"), QStringLiteral("c"), source);
-    QVERIFY(copy->isVisibleOnMap() && copy->getTranmitterSettings()->getPower() == 7.0f);
+    QVERIFY(copy->getDescription() == QLatin1String("d") && copy->isVisibleOnMap());
+    QCOMPARE(copy->getTranmitterSettings()->getPower(), 7.0f);
     QVERIFY(copy->linkTargetEmitter() == target && !copy->hasNetwork());
     QVERIFY(copy->positionSettings() != target->positionSettings());
     QVERIFY(copy->positionSettings()->equal(target->positionSettings()));
@@ -260,10 +262,12 @@ void tst_ScenarioObject::casts()
     const std::shared_ptr<ScenarioObject> plain = makeEmitter("P"), network = makeNetwork();
     const std::shared_ptr<ScenarioObject> elint
         = std::make_shared<ElintScenarioEmitter>(QStringLiteral("EL"), QString());
-    QVERIFY(Cast::isEmitter(elint) && !Cast::isEmitter(network) && !Cast::isNetwork(nullptr));
+    QVERIFY(Cast::isEmitter(elint) && !Cast::isEmitter(network) && !Cast::isEmitter(nullptr));
+    QVERIFY(Cast::isNetwork(network) && !Cast::isNetwork(plain) && !Cast::isNetwork(nullptr));
     QVERIFY(!Cast::emitter(network) && !Cast::network(plain));
     const QSet<std::shared_ptr<ScenarioObject>> all { plain, elint, network };
     QCOMPARE(ids(Cast::emitter(all)), (QStringList { "EL", "P" }));
+    QCOMPARE(Cast::networks(all).size(), 1);
     QCOMPARE(Cast::objects(Cast::emitter(all)) + Cast::objects(Cast::networks(all)), all);
 }
 
