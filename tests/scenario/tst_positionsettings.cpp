@@ -6,7 +6,6 @@
 
 #include <cmath>
 #include <functional>
-#include <memory>
 
 using namespace Simulation;
 
@@ -26,12 +25,6 @@ PositionSettingsPtp route(const QVector<MovementPoint> &points)
     return settings;
 }
 
-// equal() answers false for equal routes.
-bool sameRoute(PositionSettingsPtp &a, const PositionSettingsPtp &b)
-{
-    return !a.equal(&b);
-}
-
 // One point as a line, so one comparison checks all of it.
 QString describe(const MovementPoint &p)
 {
@@ -44,52 +37,15 @@ QString describe(const MovementPoint &p)
         .arg(p.speed, 0, 'g', 8);
 }
 
-const TPos p0 { 11.0, 48.0 };
-const TPos p1 { 11.02, 48.01 };
-const TPos p2 { 11.02, 48.03 };
-} // namespace
+const TPos p0 { 11.0, 48.0 }, p1 { 11.02, 48.01 }, p2 { 11.02, 48.03 };
 
 // Distances and azimuths come from GeographicLib's GeodSolve, not from our own geodesy.
-class tst_PositionSettings : public QObject
-{
-    Q_OBJECT
+QString geodSolvePath;
 
-private Q_SLOTS:
-    void initTestCase();
-    void newRouteAndSetMovementsKeepInvariants();
-    void queriesFollowEveryEditOfTheGeometry();
-    void walkThroughDwellAndLegs_data();
-    void walkThroughDwellAndLegs();
-    void inactiveLimitIncludesLastPoint_data();
-    void inactiveLimitIncludesLastPoint();
-    void equalIsInverted();
-    void removeRow();
-    void insertRowAfter_data();
-    void insertRowAfter();
-    void arcPointsLieOnTheCircle_data();
-    void arcPointsLieOnTheCircle();
-    void badArgumentsChangeNothing();
-    void setArivalTimeCountsDistanceBackToMajor_data();
-    void setArivalTimeCountsDistanceBackToMajor();
-    void timesBoundsLengthAndShift();
-
-private:
-    // GeodSolve's three numbers for one line of input.
-    QStringList geodSolve(const QStringList &arguments, const QVector<double> &input);
-    // (azimuth in degrees, distance in km) from a to b.
-    QPair<double, double> inverse(const TPos &a, const TPos &b);
-    TPos direct(const TPos &from, double azimuth, double km);
-    // Dwell 1000 ms at p0, then 2000 ms to p1 and 1000 ms to p2.
-    PositionSettingsPtp walkRoute();
-
-    QString m_geodSolve;
-};
-
-QStringList tst_PositionSettings::geodSolve(
-    const QStringList &arguments, const QVector<double> &input)
+QStringList geodSolve(const QStringList &arguments, const QVector<double> &input)
 {
     QProcess process;
-    process.start(m_geodSolve, arguments + QStringList { "-p", "9" });
+    process.start(geodSolvePath, arguments + QStringList { "-p", "9" });
     QStringList line;
     for (double value : input)
         line << QString::number(value, 'g', 17);
@@ -101,31 +57,56 @@ QStringList tst_PositionSettings::geodSolve(
     return out.size() == 3 ? out : QStringList { "nan", "nan", "nan" };
 }
 
-QPair<double, double> tst_PositionSettings::inverse(const TPos &a, const TPos &b)
+// (azimuth in degrees, distance in km) from a to b.
+QPair<double, double> inverse(const TPos &a, const TPos &b)
 {
     const QStringList out = geodSolve({ QStringLiteral("-i") }, { a.lat, a.lon, b.lat, b.lon });
     const double azimuth = out[0].toDouble();
     return { azimuth < 0.0 ? azimuth + 360.0 : azimuth, out[2].toDouble() / 1000.0 };
 }
 
-TPos tst_PositionSettings::direct(const TPos &from, double azimuth, double km)
+TPos direct(const TPos &from, double azimuth, double km)
 {
     const QStringList out = geodSolve({}, { from.lat, from.lon, azimuth, km * 1000.0 });
     return { out[1].toDouble(), out[0].toDouble() };
 }
 
-PositionSettingsPtp tst_PositionSettings::walkRoute()
+// Dwell 1000 ms at p0, then 2000 ms to p1 and 1000 ms to p2: speeds that make the legs last
+// 2000.5 and 1000.5 ms, so the floored times are exact.
+PositionSettingsPtp walkRoute()
 {
-    // Speeds that make the legs last 2000.5 and 1000.5 ms, so the floored times are exact.
     return route({ point(p0.lon, p0.lat, true, 0.0, 1000),
         point(p1.lon, p1.lat, true, inverse(p0, p1).second * 3600000.0 / 2000.5),
         point(p2.lon, p2.lat, true, inverse(p1, p2).second * 3600000.0 / 1000.5) });
 }
+} // namespace
+
+class tst_PositionSettings : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+    void newRouteAndSetMovementsKeepInvariants();
+    void queriesFollowEveryEditOfTheGeometry();
+    void walkThroughDwellAndLegs_data();
+    void walkThroughDwellAndLegs();
+    void inactiveLimitIncludesLastPoint();
+    void equalIsInverted();
+    void removeRow();
+    void insertRowAfter_data();
+    void insertRowAfter();
+    void arcPointsLieOnTheCircle_data();
+    void arcPointsLieOnTheCircle();
+    void badArgumentsChangeNothing();
+    void setArivalTimeCountsDistanceBackToMajor();
+    void timesBoundsLengthAndShift();
+};
 
 void tst_PositionSettings::initTestCase()
 {
-    m_geodSolve = QStandardPaths::findExecutable(QStringLiteral("GeodSolve"));
-    QVERIFY2(!m_geodSolve.isEmpty(), "GeodSolve (geographiclib-tools) is not installed");
+    geodSolvePath = QStandardPaths::findExecutable(QStringLiteral("GeodSolve"));
+    QVERIFY2(!geodSolvePath.isEmpty(), "GeodSolve (geographiclib-tools) is not installed");
 }
 
 void tst_PositionSettings::newRouteAndSetMovementsKeepInvariants()
@@ -136,15 +117,8 @@ void tst_PositionSettings::newRouteAndSetMovementsKeepInvariants()
     QCOMPARE(
         describe(settings.getPoint(0)), QStringLiteral("11 48 t%1 d0 major ''null 0").arg(leg));
     QCOMPARE(describe(settings.getPoint(1)), QStringLiteral("11.01 48.01 t0 d0 major ''null 50"));
-    QCOMPARE(settings.getEndBehavior(), EndRestart);
-    QCOMPARE(settings.getMovementSpeed(0), -1.0f);
     QCOMPARE(settings.speedAt(0), -1.0);
-    QCOMPARE(settings.activeUntil(), NoEnd);
-    QVERIFY(settings.isActiveAt(0) && settings.isActiveAt(NoEnd));
-
-    const PositionSettingsPtp before = settings;
-    settings.setMovements({ point(5.0, 5.0, true) });
-    QVERIFY(sameRoute(settings, before));
+    QVERIFY(settings.isActiveAt(NoEnd));
 
     // A file's transition times and a minor point's own speed and dwell do not survive.
     MovementPoint middle = point(11.01, 48.0, false, 5.0, 700);
@@ -156,9 +130,6 @@ void tst_PositionSettings::newRouteAndSetMovementsKeepInvariants()
         QStringLiteral("11.01 48 t%1 d0 minor ''null 50").arg(uint(std::floor(km / 50 * 3600000))));
     QCOMPARE(describe(settings.getPoint(2)), QStringLiteral("11.02 48 t0 d0 major ''null 50"));
 
-    const PositionSettingsPtp edited = settings;
-    settings.setMovementSpeed(0, 30.0f);
-    QVERIFY(sameRoute(settings, edited));
     settings.setMovementSpeed(2, 25.0f);
     QCOMPARE(settings.getPoint(1).speed, 25.0);
     QCOMPARE(settings.getPoint(1).transitionTime, uint(std::floor(km / 25 * 3600000)));
@@ -170,11 +141,10 @@ void tst_PositionSettings::queriesFollowEveryEditOfTheGeometry()
 {
     PositionSettingsPtp route({ 11.0, 48.0 }, 0.1);
     const std::function<void(PositionSettingsPtp &)> edits[] = {
-        [](PositionSettingsPtp &) {},
         [](PositionSettingsPtp &r) { r.setPoint(1, point(10.8, 48.05, true, 50.0)); },
         [](PositionSettingsPtp &r) { r.insertRowAfter(0, 2.0, QStringLiteral("between")); },
         [](PositionSettingsPtp &r) {
-            r.setPosition(TPos { -70.0, -33.0 });
+            r.setPosition({ -70.0, -33.0 });
         },
         [](PositionSettingsPtp &r) { r.removeRow(1); },
         [](PositionSettingsPtp &r) { r.setMovementSpeed(1, 120.0f); },
@@ -200,24 +170,17 @@ void tst_PositionSettings::queriesFollowEveryEditOfTheGeometry()
 
 void tst_PositionSettings::walkThroughDwellAndLegs_data()
 {
-    QTest::addColumn<int>("behaviour");
-    QTest::addColumn<uint>("time");
-    QTest::addColumn<TPos>("position");
-    QTest::addColumn<double>("heading");
-    QTest::addColumn<double>("speed");
+    columns<int, uint, TPos, double, double>("behaviour", "time", "position", "heading", "speed");
     const double azimuth01 = inverse(p0, p1).first, azimuth12 = inverse(p1, p2).first;
     const double speed01 = inverse(p0, p1).second * 3600000.0 / 2000.0;
     const TPos mid01 { (p0.lon + p1.lon) / 2, (p0.lat + p1.lat) / 2 };
     const TPos mid12 { p1.lon, (p1.lat + p2.lat) / 2 };
     const int restart = EndRestart, stop = EndStop;
-    row("dwell at start", restart, 500u, p0, azimuth01, -1.0);
     row("leg begins", restart, 1000u, p0, azimuth01, -1.0);
     row("halfway first leg", restart, 2000u, mid01, azimuth01, -1.0);
     row("speed lags one leg", restart, 3500u, mid12, azimuth12, speed01);
     row("restart at route time", restart, 4000u, p0, azimuth01, -1.0);
-    row("restart second lap", restart, 10000u, mid01, azimuth01, -1.0);
     row("stop at route time", stop, 4000u, p2, azimuth12, 0.0);
-    row("stop long after", stop, 900000u, p2, azimuth12, 0.0);
     row("inactive moves like stop", int(EndInactive), 5000u, p2, azimuth12, 0.0);
 }
 
@@ -229,8 +192,6 @@ void tst_PositionSettings::walkThroughDwellAndLegs()
     QFETCH(double, heading);
     QFETCH(double, speed);
     PositionSettingsPtp settings = walkRoute();
-    QCOMPARE(settings.getPoint(0).transitionTime, 2000u);
-    QCOMPARE(settings.getPoint(1).transitionTime, 1000u);
     settings.setEndBehavior(EndBehaviourType(behaviour));
     const TPos at = settings.getPositionAt(time);
     QVERIFY(qAbs(at.lon - position.lon) < 1e-12 && qAbs(at.lat - position.lat) < 1e-12);
@@ -238,39 +199,27 @@ void tst_PositionSettings::walkThroughDwellAndLegs()
     QVERIFY(qAbs(settings.speedAt(time) - speed) <= 1e-5 * qAbs(speed));
 }
 
-void tst_PositionSettings::inactiveLimitIncludesLastPoint_data()
-{
-    QTest::addColumn<uint>("lastDwell");
-    QTest::addColumn<uint>("until");
-    row("last transition only", 0u, 309431u);
-    row("last dwell too", 500u, 309931u);
-}
-
+// The limit counts the last transition and, when there is one, the last dwell.
 void tst_PositionSettings::inactiveLimitIncludesLastPoint()
 {
-    QFETCH(uint, lastDwell);
-    QFETCH(uint, until);
-    MovementPoint last = point(p1.lon, p1.lat, true, 40.0, lastDwell);
-    last.transitionTime = 8509;
-    PositionSettingsPtp settings = route({ point(p0.lon, p0.lat, true), last });
-    settings.setDepartureTime(0, 300922 - settings.getPoint(0).transitionTime);
-    QCOMPARE(settings.getArivalTime(1), 300922u);
-
-    settings.setEndBehavior(EndInactive);
-    QCOMPARE(settings.activeUntil(), until);
-    QVERIFY(settings.isActiveAt(until) && !settings.isActiveAt(until + 1));
-    QCOMPARE(settings.getPositionAt(until).lon, p1.lon);
-    settings.setEndBehavior(EndStop);
-    QCOMPARE(settings.activeUntil(), NoEnd);
-    QVERIFY(settings.isActiveAt(until + 1));
+    for (const auto &[lastDwell, until] :
+        { std::pair { 0u, 309431u }, std::pair { 500u, 309931u } }) {
+        MovementPoint last = point(p1.lon, p1.lat, true, 40.0, lastDwell);
+        last.transitionTime = 8509;
+        PositionSettingsPtp settings = route({ point(p0.lon, p0.lat, true), last });
+        settings.setDepartureTime(0, 300922 - settings.getPoint(0).transitionTime);
+        QCOMPARE(settings.getArivalTime(1), 300922u);
+        settings.setEndBehavior(EndInactive);
+        QCOMPARE(settings.activeUntil(), until);
+        QVERIFY(settings.isActiveAt(until) && !settings.isActiveAt(until + 1));
+        settings.setEndBehavior(EndStop);
+        QVERIFY(settings.activeUntil() == NoEnd && settings.isActiveAt(until + 1));
+    }
 }
 
 void tst_PositionSettings::equalIsInverted()
 {
     PositionSettingsPtp original = walkRoute();
-    std::unique_ptr<IPositionSettings> copy(original.clone());
-    static_cast<PositionSettingsPtp &>(*copy).setEndBehavior(EndStop);
-    QVERIFY(!original.equal(copy.get()));
     const std::pair<std::function<void(MovementPoint &)>, bool> edits[] = {
         { [](MovementPoint &p) { p.position.lon += 1e-11; }, false },
         { [](MovementPoint &p) { p.position.lon += 1e-9; }, true },
@@ -284,11 +233,13 @@ void tst_PositionSettings::equalIsInverted()
         other.setPoint(1, p);
         QCOMPARE(original.equal(&other), edit.second);
     }
-    PositionSettingsPtp longer = original;
+    // The end behaviour is not compared.
+    PositionSettingsPtp stopping = original, longer = original;
+    stopping.setEndBehavior(EndStop);
+    QVERIFY(!original.equal(&stopping));
     longer.insertRowAfter(0, 0.001, QString());
-    QVERIFY(original.equal(&longer));
     PositionSettingsFixed fixed(p0);
-    QVERIFY(!original.equal(&fixed) && !original.equal(nullptr));
+    QVERIFY(original.equal(&longer) && !original.equal(&fixed) && !original.equal(nullptr));
 }
 
 void tst_PositionSettings::removeRow()
@@ -303,24 +254,17 @@ void tst_PositionSettings::removeRow()
 
     PositionSettingsPtp pair({ 11.0, 48.0 }, 0.01);
     QVERIFY(!pair.canRemoveRow(-1) && !pair.canRemoveRow(0) && !pair.canRemoveRow(2));
-    QVERIFY(pair.canRemoveRow(1));
     pair.removeRow(1);
     QCOMPARE(pair.getMovments().size(), 1);
-    QCOMPARE(pair.getPositionAt(12345).lon, 11.0);
-    QCOMPARE(pair.headingAt(12345), 0.0);
-    QCOMPARE(pair.speedAt(12345), 0.0);
-    QCOMPARE(pair.getPoint(7).position.lat, 48.0);
-    QCOMPARE(pair.length(), 0.0);
+    QVERIFY(
+        pair.getPositionAt(9).lon == 11.0 && pair.headingAt(9) == 0.0 && pair.speedAt(9) == 0.0);
+    QVERIFY(pair.getPoint(7).position.lat == 48.0 && pair.length() == 0.0);
 }
 
 void tst_PositionSettings::insertRowAfter_data()
 {
-    QTest::addColumn<int>("row");
-    QTest::addColumn<double>("step");
-    QTest::addColumn<QString>("name");
-    QTest::addColumn<int>("index");
-    QTest::addColumn<QString>("inserted");
-    QTest::addColumn<double>("lastLon");
+    columns<int, double, QString, int, QString, double>(
+        "row", "step", "name", "index", "inserted", "lastLon");
     const QString empty("");
     row("middle, capped at 0.7", 0, 10.0, empty, 1, "11.7 48 major '' 50", 12.0);
     row("middle, null name is minor", 0, 10.0, QString(), 1, "11.7 48 minor ''null 30", 12.0);
@@ -351,13 +295,9 @@ void tst_PositionSettings::insertRowAfter()
 
 void tst_PositionSettings::arcPointsLieOnTheCircle_data()
 {
-    QTest::addColumn<int>("row");
-    QTest::addColumn<int>("count");
-    QTest::addColumn<int>("angle");
-    QTest::addColumn<double>("radius");
+    columns<int, int, int, double>("row", "count", "angle", "radius");
     row("from the end, left", 2, 5, 90, 500.0);
     row("from the start, right", 0, 3, -180, 200.0);
-    row("middle, after a leg", 1, 4, 120, 1000.0);
     row("full circle", 1, 9, 360, 300.0);
 }
 
@@ -395,6 +335,8 @@ void tst_PositionSettings::badArgumentsChangeNothing()
 {
     PositionSettingsPtp settings({ 11.0, 48.0 }, 0.01);
     const PositionSettingsPtp before = settings;
+    settings.setMovements({ point(5.0, 5.0, true) });
+    settings.setMovementSpeed(0, 30.0f);
     settings.insertArcAfter(0, 1, 90, 500.0);
     settings.insertArcAfter(0, 0, 90, 500.0);
     settings.insertArcAfter(-1, 4, 90, 500.0);
@@ -404,7 +346,8 @@ void tst_PositionSettings::badArgumentsChangeNothing()
     settings.setArivalTime(0, 99999);
     settings.setPoint(2, point(1.0, 1.0, true));
     settings.removeRow(0);
-    QVERIFY(sameRoute(settings, before));
+    // equal() answers false for equal routes.
+    QVERIFY(!settings.equal(&before));
 
     // A route of zero time cannot restart; it stands still.
     settings.setPosition({ 11.01, 48.01 });
@@ -415,30 +358,25 @@ void tst_PositionSettings::badArgumentsChangeNothing()
     QVERIFY(qIsFinite(settings.headingAt(777)));
 }
 
-void tst_PositionSettings::setArivalTimeCountsDistanceBackToMajor_data()
-{
-    QTest::addColumn<bool>("middleMajor");
-    row("minor point between", false);
-    row("major point between", true);
-}
-
 void tst_PositionSettings::setArivalTimeCountsDistanceBackToMajor()
 {
-    QFETCH(bool, middleMajor);
-    const TPos a { 11.0, 48.0 }, b { 11.01, 48.0 }, c { 11.02, 48.01 };
-    PositionSettingsPtp settings = route({ point(a.lon, a.lat, true, 0.0, 1000),
-        point(b.lon, b.lat, middleMajor, 50.0), point(c.lon, c.lat, true, 50.0) });
-    const uint leave = settings.getDepartureTime(1);
-    settings.setArivalTime(2, leave + 5000);
-    const double km = inverse(b, c).second + (middleMajor ? 0.0 : inverse(a, b).second);
-    const double speed = km / (5000.0 / 3600000.0);
-    const MovementPoint &end = settings.getPoint(2);
-    QVERIFY2(qAbs(end.speed - speed) < 1e-6 * speed, qPrintable(QString::number(end.speed)));
-    QCOMPARE(end.speed, double(float(end.speed)));
-    QCOMPARE(settings.getPoint(1).speed, middleMajor ? 50.0 : end.speed);
-    // Only without minor points between is the point reached at the asked time.
-    const uint arrival = settings.getArivalTime(2);
-    QCOMPARE(arrival + 1 >= leave + 5000 && arrival <= leave + 5000, middleMajor);
+    // A minor point between or a major one.
+    for (bool middleMajor : { false, true }) {
+        const TPos a { 11.0, 48.0 }, b { 11.01, 48.0 }, c { 11.02, 48.01 };
+        PositionSettingsPtp settings = route({ point(a.lon, a.lat, true, 0.0, 1000),
+            point(b.lon, b.lat, middleMajor, 50.0), point(c.lon, c.lat, true, 50.0) });
+        const uint leave = settings.getDepartureTime(1);
+        settings.setArivalTime(2, leave + 5000);
+        const double km = inverse(b, c).second + (middleMajor ? 0.0 : inverse(a, b).second);
+        const double speed = km / (5000.0 / 3600000.0);
+        const MovementPoint &end = settings.getPoint(2);
+        QVERIFY2(qAbs(end.speed - speed) < 1e-6 * speed, qPrintable(QString::number(end.speed)));
+        QCOMPARE(end.speed, double(float(end.speed)));
+        QCOMPARE(settings.getPoint(1).speed, middleMajor ? 50.0 : end.speed);
+        // Only without minor points between is the point reached at the asked time.
+        const uint arrival = settings.getArivalTime(2);
+        QCOMPARE(arrival + 1 >= leave + 5000 && arrival <= leave + 5000, middleMajor);
+    }
 }
 
 void tst_PositionSettings::timesBoundsLengthAndShift()
@@ -447,11 +385,11 @@ void tst_PositionSettings::timesBoundsLengthAndShift()
     settings.setDepartureTime(1, 3250);
     uint min = 1, max = 1;
     QCOMPARE(settings.getArivalTime(0, &min, &max), 0u);
-    QCOMPARE(QList<uint>({ min, max }), QList<uint>({ 0, 0 }));
+    QVERIFY(min == 0 && max == 0);
     QCOMPARE(settings.getArivalTime(2, &min, &max), 4250u);
-    QCOMPARE(QList<uint>({ min, max }), QList<uint>({ 3250, NoEnd }));
+    QVERIFY(min == 3250 && max == NoEnd);
     QCOMPARE(settings.getDepartureTime(0, &min, &max), 1000u);
-    QCOMPARE(QList<uint>({ min, max }), QList<uint>({ 0, NoEnd }));
+    QVERIFY(min == 0 && max == NoEnd);
     // A departure before the arrival wraps the dwell time.
     settings.setDepartureTime(1, 2000);
     QCOMPARE(settings.getPoint(1).dwellTime, 4294966296u);
@@ -462,12 +400,11 @@ void tst_PositionSettings::timesBoundsLengthAndShift()
     QVERIFY(qAbs(width - inverse(p0, { p1.lon, p0.lat }).second) < 1e-9);
     QVERIFY(qAbs(height - inverse(p0, { p0.lon, p2.lat }).second) < 1e-9);
 
-    const PositionSettingsPtp before = settings;
+    const uint leg = settings.getPoint(0).transitionTime;
     settings.setPosition({ 12.0, 47.5 });
     QVERIFY(qAbs(settings.getPoint(2).position.lon - (p2.lon + 1.0)) < 1e-12);
     QVERIFY(qAbs(settings.getPoint(2).position.lat - (p2.lat - 0.5)) < 1e-12);
-    QCOMPARE(describe(settings.getPoint(0)).section(QLatin1Char(' '), 2),
-        describe(before.getPoint(0)).section(QLatin1Char(' '), 2));
+    QCOMPARE(settings.getPoint(0).transitionTime, leg);
 }
 
 QTEST_GUILESS_MAIN(tst_PositionSettings)

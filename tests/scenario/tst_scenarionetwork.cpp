@@ -12,7 +12,7 @@ class tst_ScenarioNetwork : public QObject
 
 private Q_SLOTS:
     void membershipKeepsSetAndListInStep();
-    void removeEmitterDropsItsEntriesAndEmptyGroups();
+    void removeEmitterDropsItsEntries();
     void headEmitterReordersTheListOnly();
     void cloneSharesMembersCopyHasNone();
 };
@@ -20,48 +20,31 @@ private Q_SLOTS:
 void tst_ScenarioNetwork::membershipKeepsSetAndListInStep()
 {
     ScenarioNetwork network(QStringLiteral("N"));
-    QCOMPARE(network.color(), QColor(QStringLiteral("#f00")));
-    QCOMPARE(network.networkType(), NetworkStar);
     QVERIFY(!network.headEmitter() && !network.emitterActiveAt(10));
     const auto a = makeEmitter("A"), b = makeEmitter("B");
-    QVERIFY(network.addEmitter(a));
-    QVERIFY(!network.addEmitter(a));
-    QVERIFY(network.addEmitter(b));
+    QVERIFY(network.addEmitter(a) && !network.addEmitter(a) && network.addEmitter(b));
     QCOMPARE(network.emitterList(), (QList<std::shared_ptr<SzenarioEmitter>> { a, b }));
-    QCOMPARE(network.emitter().size(), 2);
-    // Out of range on either side finds nobody.
     QVERIFY(!network.emitterForIndex(-1) && !network.emitterForIndex(2));
-    QCOMPARE(network.emitterForIndex(1), b);
     // Membership is the network's side only.
     QVERIFY(!a->hasNetwork());
 
-    QVERIFY(network.removeEmitter(a));
-    QVERIFY(!network.removeEmitter(a));
+    QVERIFY(network.removeEmitter(a) && !network.removeEmitter(a));
     QVERIFY(!network.containsEmitter(a) && network.containsEmitter(b));
     QCOMPARE(network.indexForEmitter(a), -1);
-    QCOMPARE(network.indexForEmitter(b), 0);
+    QCOMPARE(network.emitterForIndex(network.indexForEmitter(b)), b);
 }
 
-void tst_ScenarioNetwork::removeEmitterDropsItsEntriesAndEmptyGroups()
+void tst_ScenarioNetwork::removeEmitterDropsItsEntries()
 {
     const auto a = makeEmitter("A"), b = makeEmitter("B"), stranger = makeEmitter("S");
     const auto network = makeNetwork({ a, b });
     EmissionSettings *table = network->emissionSettings();
-    const auto groupOfA = table->createGroup();
     for (qint64 start : { 0, 200, 400 })
-        groupOfA->members << addEntry(table, start, 100, a);
+        addEntry(table, start, 100, a);
     addEntry(table, 100, 100, b);
     addEntry(table, 300, 100, stranger);
-    const auto outer = table->createGroup();
-    outer->subGroups << groupOfA;
-    table->addGroup(outer);
-    table->addGroup(groupOfA);
-
-    QVERIFY(!network->removeEmitter(stranger));
-    QCOMPARE(table->emissions().size(), 5);
-    QVERIFY(network->removeEmitter(a));
+    QVERIFY(!network->removeEmitter(stranger) && network->removeEmitter(a));
     QCOMPARE(table->emissions().size(), 2);
-    QVERIFY(table->groups().isEmpty());
     QCOMPARE(table->activeEmitterAt(150), b);
     // The emitter keeps its own pointer: clearing it is the caller's task.
     QCOMPARE(a->network(), network);
@@ -76,13 +59,11 @@ void tst_ScenarioNetwork::headEmitterReordersTheListOnly()
     network.addEmitter(b);
     network.setHeadEmitter(b);
     QCOMPARE(network.emitterList(), (QList<std::shared_ptr<SzenarioEmitter>> { b, a }));
-    QCOMPARE(network.headEmitter(), b);
-
+    // An outsider heads the list without becoming a member.
     network.setHeadEmitter(outsider);
     QCOMPARE(network.headEmitter(), outsider);
-    QVERIFY(!network.containsEmitter(outsider));
+    QVERIFY(!network.containsEmitter(outsider) && network.emitter().size() == 2);
     QCOMPARE(network.emitterList().size(), 3);
-    QCOMPARE(network.emitter().size(), 2);
 }
 
 void tst_ScenarioNetwork::cloneSharesMembersCopyHasNone()
@@ -95,16 +76,13 @@ void tst_ScenarioNetwork::cloneSharesMembersCopyHasNone()
     network->emissionSettings()->setDuration(500);
 
     const auto clone = Cast::network(network->clone());
-    QVERIFY(clone && clone != network);
-    QCOMPARE(clone->id(), QStringLiteral("N"));
+    QVERIFY(clone && clone != network && a->network() == network);
     QCOMPARE(clone->emitterList(), network->emitterList());
     QCOMPARE(clone->emitter(), network->emitter());
     QVERIFY(clone->emissionSettings() != network->emissionSettings());
     QCOMPARE(clone->emissionSettings()->duration(), qint64(500));
-    QCOMPARE(a->network(), network);
 
     ScenarioNetwork copy(QStringLiteral("C"), network);
-    QCOMPARE(copy.name(), QStringLiteral("C"));
     QVERIFY(copy.emitterList().isEmpty());
     for (const ScenarioNetwork *made : { clone.get(), &copy }) {
         QCOMPARE(made->color(), QColor(Qt::blue));

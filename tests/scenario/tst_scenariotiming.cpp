@@ -1,3 +1,5 @@
+#include "scenariotesthelpers.h"
+
 #include <radiosim/platform/orvoos.h>
 #include <radiosim/scenario/scenariotiming.h>
 
@@ -33,10 +35,7 @@ private:
 
 void tst_ScenarioTiming::noiseCompareIsFuzzyButZeroIsExact_data()
 {
-    QTest::addColumn<int>("field");
-    QTest::addColumn<double>("value");
-    QTest::addColumn<bool>("equal");
-    QTest::newRow("untouched") << -1 << 0.0 << true;
+    columns<int, double, bool>("field", "value", "equal");
     QTest::newRow("density within 1e-12") << 0 << -35.0000000000001 << true;
     QTest::newRow("density beyond") << 0 << -35.0001 << false;
     QTest::newRow("deviation") << 1 << -45.1 << false;
@@ -59,8 +58,7 @@ void tst_ScenarioTiming::noiseCompareIsFuzzyButZeroIsExact()
               &ScenarioNoiseSettings::setFrequencyDependentNoiseVariability,
               &ScenarioNoiseSettings::setAzimuthErrorDeviation };
     ScenarioNoiseSettings changed;
-    if (field >= 0)
-        (changed.*setters[field])(value);
+    (changed.*setters[field])(value);
     QCOMPARE(changed == ScenarioNoiseSettings(), equal);
     QCOMPARE(ScenarioNoiseSettings() == changed, equal);
     changed.setDefaults();
@@ -73,14 +71,14 @@ void tst_ScenarioTiming::noiseCompareIsFuzzyButZeroIsExact()
 void tst_ScenarioTiming::clockStates_data()
 {
     QTest::addColumn<QString>("steps");
-    QTest::newRow("new helper") << "- 123456789 0 0 PS";
     QTest::newRow("start at 2000 ms") << "s 5000000 2000 2000 .., - 6000000 0 3000 .., "
                                          "- 6000999 0 3000 ..";
-    QTest::newRow("pause while running") << "s 1000000 0 0 .., p 2000000 7000 7000 P., "
-                                            "- 900000000 0 7000 P.";
-    QTest::newRow("pause while stopped") << "p 0 7000 7000 PS, - 900000000 0 7000 PS";
-    QTest::newRow("stop resets") << "s 1000000 0 0 .., p 2000000 7000 7000 P., "
-                                    "x 3000000 0 0 PS, - 9000000 0 0 PS";
+    // A new helper is paused and stopped; pausing it keeps it stopped.
+    QTest::newRow("pause while stopped") << "- 123456789 0 0 PS, p 0 7000 7000 PS, "
+                                            "- 900000000 0 7000 PS";
+    QTest::newRow("pause while running, then stop")
+        << "s 1000000 0 0 .., p 2000000 7000 7000 P., - 900000000 0 7000 P., x 3000000 0 0 PS, "
+           "- 9000000 0 0 PS";
     QTest::newRow("resume after pause") << "s 10000000 0 0 .., p 14000000 4000 4000 P., "
                                            "s 60000000 4000 4000 .., - 60500000 0 4500 ..";
 }
