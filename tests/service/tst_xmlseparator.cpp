@@ -58,8 +58,7 @@ class tst_XmlSeparator : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void documentSplitAtEveryByte();
-    void documentFedByteByByte();
+    void documentFedInPieces();
     void whiteSpaceAroundDocuments_data();
     void whiteSpaceAroundDocuments();
     void malformedDocumentStopsReadingUntilReset();
@@ -71,32 +70,24 @@ private Q_SLOTS:
     void pauseAndResume();
 };
 
-void tst_XmlSeparator::documentSplitAtEveryByte()
+// Nothing comes before the root's last '>' is in.
+void tst_XmlSeparator::documentFedInPieces()
 {
     const QByteArray stream = Message + Message;
+    const QList<QByteArray> both { Delivered, Delivered };
+    const int end = Message.lastIndexOf('>');
     for (int split = 0; split <= stream.size(); ++split) {
         Reader r;
         r.device.feed(stream.left(split));
         QCoreApplication::processEvents();
+        QCOMPARE(r.spy.count(), int(split > end) + int(split > Message.size() + end));
         r.device.feed(stream.mid(split));
-        QTRY_COMPARE_WITH_TIMEOUT(r.spy.count(), 2, 1000);
-        QCOMPARE(r.errors.count(), 0);
-        QCOMPARE(r.documents(), QList<QByteArray>({ Delivered, Delivered }));
+        QTRY_COMPARE(r.documents(), both);
     }
-}
-
-// Nothing comes before the root's last '>' is in.
-void tst_XmlSeparator::documentFedByteByByte()
-{
     Reader r;
-    const int last = Message.lastIndexOf('>');
-    for (int i = 0; i < Message.size(); ++i) {
-        r.device.feed(Message.mid(i, 1));
-        QCoreApplication::processEvents();
-        if (i < last)
-            QCOMPARE(r.spy.count(), 0);
-    }
-    QTRY_COMPARE(r.documents(), QList<QByteArray> { Delivered });
+    for (const char c : stream)
+        r.device.feed(QByteArray(1, c));
+    QTRY_COMPARE(r.documents(), both);
 }
 
 void tst_XmlSeparator::whiteSpaceAroundDocuments_data()
@@ -108,8 +99,6 @@ void tst_XmlSeparator::whiteSpaceAroundDocuments_data()
     QTest::newRow("between and inside")
         << QByteArray("<a> x\r\n\t</a>\n\n\t  <b>\n  <c/>\n</b>\n")
         << QList<QByteArray> { "<a> x\r\n\t</a>", "<b>\n  <c/>\n</b>" };
-    QTest::newRow("only white space") << QByteArray(" \n\r\t  \n") << QList<QByteArray> {};
-    QTest::newRow("nothing") << QByteArray() << QList<QByteArray> {};
     const QByteArray declared = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<a>1</a>";
     QTest::newRow("declaration is delivered")
         << "\n" + declared + "\n" + declared << QList<QByteArray> { declared, declared };
@@ -129,9 +118,7 @@ void tst_XmlSeparator::whiteSpaceAroundDocuments()
     Reader r;
     r.device.feed(stream + "<end/>");
     QCOMPARE(r.spy.count(), 0);
-    QTRY_COMPARE(r.spy.count(), documents.size());
-    QCOMPARE(r.errors.count(), 0);
-    QCOMPARE(r.documents(), documents);
+    QTRY_COMPARE(r.documents(), documents);
 }
 
 // Resuming alone meets the same error again. A reset drops the error and a half document, but
@@ -141,7 +128,6 @@ void tst_XmlSeparator::malformedDocumentStopsReadingUntilReset()
     Reader r;
     r.device.feed("<a></b><c/>");
     QCOMPARE(r.errors.count(), 1);
-    QVERIFY(!r.errors.at(0).at(0).toString().isEmpty());
     r.device.feed("<d/>");
     QCoreApplication::processEvents();
     QCOMPARE(r.spy.count(), 0);
@@ -164,14 +150,13 @@ void tst_XmlSeparator::autoDetection_data()
     QTest::addColumn<QByteArray>("head");
     QTest::addColumn<int>("mode");
     QTest::newRow("declaration") << QByteArray("<?xm") << int(Plain);
-    QTest::newRow("big-endian size") << QByteArray("\x00\x00\x01\x00", 4) << int(BigEndian);
-    QTest::newRow("little-endian size") << QByteArray("\x20\x00\x00\x00", 4) << int(LittleEndian);
     QTest::newRow("little-endian 16 MiB taken for text")
         << QByteArray("\x10\x00\x00\x01", 4) << int(Plain);
     QTest::newRow("three bytes decide nothing") << QByteArray("<Co") << int(Auto);
 }
 
-// Nothing is sent before the mode is known, and plain text is never compressed.
+// Nothing is sent before the mode is known, and plain text is never compressed. The size modes
+// are detected in the framed tests.
 void tst_XmlSeparator::autoDetection()
 {
     QFETCH(QByteArray, head);
@@ -181,8 +166,7 @@ void tst_XmlSeparator::autoDetection()
     r.device.feed(head);
     QCOMPARE(int(r.separator.mode()), mode);
     QCOMPARE(r.separator.sendXml(Message), mode != Auto);
-    if (mode != BigEndian && mode != LittleEndian)
-        QCOMPARE(r.device.written(), mode == Plain ? Message : QByteArray());
+    QCOMPARE(r.device.written(), mode == Plain ? Message : QByteArray());
 }
 
 void tst_XmlSeparator::framedModes_data()
@@ -263,7 +247,7 @@ void tst_XmlSeparator::pauseAndResume()
     r.separator.setEnabled(false);
     QCOMPARE(r.device.readyReadConnections(), 0);
     r.device.feed("<a/>");
-    QTest::qWait(10);
+    QCoreApplication::processEvents();
     QCOMPARE(r.spy.count(), 0);
     r.separator.setDisabled(false);
     QTRY_COMPARE(r.spy.count(), 1);
