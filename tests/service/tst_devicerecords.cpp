@@ -55,7 +55,6 @@ private Q_SLOTS:
     void missingFieldKeepsOldValueAndFails_data();
     void missingFieldKeepsOldValueAndFails();
     void oddInputLeavesRecordsAlone();
-    void stateForms_data();
     void stateForms();
 };
 
@@ -106,25 +105,19 @@ void tst_DeviceRecords::oddInputLeavesRecordsAlone()
 }
 
 // Numbers outside the enumeration cross as they are.
-void tst_DeviceRecords::stateForms_data()
-{
-    QTest::addColumn<int>("value");
-    for (int value : { 3, 7, -3 })
-        QTest::newRow(qPrintable(QString::number(value))) << value;
-}
-
 void tst_DeviceRecords::stateForms()
 {
-    QFETCH(int, value);
-    const QByteArray xml = "<Simulation::SimulationDeviceState>\n    <ScenarioDataState>"
-        + QByteArray::number(value)
-        + "</ScenarioDataState>\n</Simulation::SimulationDeviceState>\n";
-    SimulationDeviceState state;
-    state.setScenarioDataState(ScenarioDataState(value));
-    QCOMPARE(state.toXml(QByteArray()), xml);
-    SimulationDeviceState read;
-    QVERIFY(read.fromXml(xml));
-    QCOMPARE(int(read.scenarioDataState()), value);
+    for (const int value : { 3, 7, -3 }) {
+        const QByteArray xml = "<Simulation::SimulationDeviceState>\n    <ScenarioDataState>"
+            + QByteArray::number(value)
+            + "</ScenarioDataState>\n</Simulation::SimulationDeviceState>\n";
+        SimulationDeviceState state;
+        state.setScenarioDataState(ScenarioDataState(value));
+        QCOMPARE(state.toXml(QByteArray()), xml);
+        SimulationDeviceState read;
+        QVERIFY(read.fromXml(xml));
+        QCOMPARE(int(read.scenarioDataState()), value);
+    }
 }
 
 QTEST_GUILESS_MAIN(tst_DeviceRecords)
