@@ -123,8 +123,7 @@ private Q_SLOTS:
     void handWrittenCommands();
     void traceLinesFollowTheirClassBits();
     void sendingWithoutSocketDoesNothing();
-    void silentPeerIsDisconnectedAfterOneProbe();
-    void answeringPeerStays();
+    void heartBeat();
     void deviceInASecondProcess();
     void pythonPeer();
     void manyDevicesReportInOrder();
@@ -283,43 +282,40 @@ void tst_ServiceCommunication::sendingWithoutSocketDoesNothing()
     QTRY_COMPARE(log.lines, QStringList { "unload" });
 }
 
-// A disabled heart beat has no timer running; left on, the time-out ends the connection after a
-// single probe.
-void tst_ServiceCommunication::silentPeerIsDisconnectedAfterOneProbe()
+// A disabled heart beat has no timer running; left on, the time-out ends a silent peer's
+// connection after a single probe, while an answering peer stays.
+void tst_ServiceCommunication::heartBeat()
 {
     TraceCapture trace;
-    Link link;
-    QVERIFY(link.open(false));
-    QTimer *beat = timer(link.server, "heartBeatTimer");
-    QTimer *timeout = timer(link.server, "heartBeatTimeoutTimer");
+    Link silent;
+    QVERIFY(silent.open(false));
+    QTimer *beat = timer(silent.server, "heartBeatTimer");
+    QTimer *timeout = timer(silent.server, "heartBeatTimeoutTimer");
     QCOMPARE(beat->interval(), 30000);
     QCOMPARE(timeout->interval(), 15000);
 
-    shortenHeartBeat(link.server);
-    link.server.setHeartBeatEnabled(true);
+    shortenHeartBeat(silent.server);
+    silent.server.setHeartBeatEnabled(true);
     QTRY_VERIFY(timeout->isActive());
-    link.server.setHeartBeatEnabled(false);
+    silent.server.setHeartBeatEnabled(false);
     QVERIFY(!beat->isActive() && !timeout->isActive());
 
-    QSignalSpy closed(&link.sockets.client, &QTcpSocket::disconnected);
-    link.server.setHeartBeatEnabled(true);
+    QSignalSpy closed(&silent.sockets.client, &QTcpSocket::disconnected);
+    silent.server.setHeartBeatEnabled(true);
     QTRY_COMPARE(closed.count(), 1);
-    link.server.setHeartBeatEnabled(false);
+    silent.server.setHeartBeatEnabled(false);
     const QByteArray probe = "<Command>\n    <HeartBeat/>\n</Command>\n";
-    QCOMPARE(link.sockets.client.readAll(), probe + probe);
+    QCOMPARE(silent.sockets.client.readAll(), probe + probe);
     QCOMPARE(trace.lines, QStringList { TimedOut });
-}
 
-void tst_ServiceCommunication::answeringPeerStays()
-{
-    TraceCapture trace;
-    Link link;
-    QVERIFY(link.open());
-    shortenHeartBeat(link.server, 2000);
-    link.server.setHeartBeatEnabled(true);
+    trace.lines.clear();
+    Link answering;
+    QVERIFY(answering.open());
+    shortenHeartBeat(answering.server, 2000);
+    answering.server.setHeartBeatEnabled(true);
     QTRY_VERIFY(trace.lines.count(Processed + "HeartBeatReply") >= 3);
-    link.server.setHeartBeatEnabled(false);
-    QCOMPARE(link.sockets.client.state(), QAbstractSocket::ConnectedState);
+    answering.server.setHeartBeatEnabled(false);
+    QCOMPARE(answering.sockets.client.state(), QAbstractSocket::ConnectedState);
     QVERIFY(!trace.lines.contains(TimedOut));
 }
 
