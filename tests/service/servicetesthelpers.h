@@ -14,32 +14,29 @@
 
 // Collects the library's trace lines (message part only) while installed; other messages go
 // to the previous handler.
-class TraceCapture
+struct TraceCapture
 {
-public:
     TraceCapture()
     {
         lines.clear();
-        s_previous = qInstallMessageHandler(&TraceCapture::handle);
+        previous = qInstallMessageHandler(&TraceCapture::handle);
         ErrorHandler::Instance()->setTraceClasses(
             ErrorHandler::TraceConnection | ErrorHandler::TraceCommands);
     }
     ~TraceCapture()
     {
         ErrorHandler::Instance()->setTraceClasses(0);
-        qInstallMessageHandler(s_previous);
+        qInstallMessageHandler(previous);
     }
-    static inline QStringList lines;
-
-private:
     static void handle(QtMsgType type, const QMessageLogContext &context, const QString &message)
     {
         if (qstrcmp(context.category, "radiosim.trace") == 0)
             lines.append(message.section(QStringLiteral("): "), 1));
         else
-            s_previous(type, context, message);
+            previous(type, context, message);
     }
-    static inline QtMessageHandler s_previous = nullptr;
+    static inline QStringList lines;
+    static inline QtMessageHandler previous = nullptr;
 };
 
 // Both ends of one loopback TCP connection.

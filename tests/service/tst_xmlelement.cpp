@@ -10,7 +10,6 @@ class tst_XmlElement : public QObject
 
 private Q_SLOTS:
     void nullAndParsedElementsIgnoreWrites();
-    void madeElementSerialisesWithoutDeclaration();
     void typedQueries_data();
     void typedQueries();
     void rememberedNamesServeTheFollowingRead();
@@ -19,44 +18,19 @@ private Q_SLOTS:
     void listsAndStructure();
 };
 
+// Only made elements own a document to write into; the record tests show that parsed ones
+// don't serialise.
 void tst_XmlElement::nullAndParsedElementsIgnoreWrites()
 {
     XmlElement null = XmlElement::fromByteArray("this is not <xml");
-    QVERIFY(!null.isValid());
-    QVERIFY(null.tagName().isEmpty() && null.text().isEmpty());
+    QVERIFY(!null.isValid() && null.text().isEmpty());
     QVERIFY(!null.hasChild("a") && !null.hasChild(QString()) && !null.hasAttribute("a"));
-    QVERIFY(!null.hasIntChildRemembered("a"));
-    QVERIFY(!null.child("", -1).isValid());
+    QVERIFY(!null.hasIntChildRemembered("a") && !null.child("", -1).isValid());
 
-    // Only made elements own a document to write into and to serialise.
     XmlElement parsed = XmlElement::fromByteArray("<Root><A>1</A></Root>");
-    QVERIFY(parsed.toByteArray().isEmpty() && parsed.child("A").toByteArray().isEmpty());
     parsed.setChildText("B", QString("x"));
     parsed.setAttribute("k", QString("v"));
     QVERIFY(!parsed.hasChild("B") && !parsed.hasAttribute("k"));
-}
-
-// Setting a child twice replaces the first one's text.
-void tst_XmlElement::madeElementSerialisesWithoutDeclaration()
-{
-    XmlElement command("Command");
-    XmlElement message("StartScenario");
-    message.setAttribute("Id", QString("a<b"));
-    message.setChildText("Name", QString("first"));
-    message.setChildText("Name", QString("Müller & Söhne"));
-    command.appendElement(message);
-    command.appendElement(XmlElement("HeartBeat"));
-    const QByteArray expected = "<Command>\n"
-                                "    <StartScenario Id=\"a&lt;b\">\n"
-                                "        <Name>M\xc3\xbcller &amp; S\xc3\xb6hne</Name>\n"
-                                "    </StartScenario>\n"
-                                "    <HeartBeat/>\n"
-                                "</Command>\n";
-    QCOMPARE(command.toByteArray(), expected);
-
-    const XmlElement parsed = XmlElement::fromByteArray(expected).child("StartScenario");
-    QCOMPARE(parsed.text("Name"), "Müller & Söhne");
-    QCOMPARE(parsed.attribute("Id"), "a<b");
 }
 
 // kinds: b bool, i int, u uint, U quint64, d double.
@@ -65,11 +39,11 @@ void tst_XmlElement::typedQueries_data()
     QTest::addColumn<QString>("value");
     QTest::addColumn<QString>("kinds");
     const char *const rows[][3] = { { "true", "true", "b" }, { "false", "false", "b" },
-        { "True is no bool", "True", "" }, { "1 is no bool", "1", "iuUd" }, { "zero", "0", "iuUd" },
-        { "negative", "-5", "id" }, { "above int", "4294967295", "uUd" },
-        { "above uint", "4294967296", "Ud" }, { "largest quint64", "18446744073709551615", "Ud" },
+        { "True is no bool", "True", "" }, { "zero", "0", "iuUd" }, { "negative", "-5", "id" },
+        { "above int", "4294967295", "uUd" }, { "above uint", "4294967296", "Ud" },
+        { "largest quint64", "18446744073709551615", "Ud" },
         { "above quint64", "18446744073709551616", "d" }, { "fraction", "1.5", "d" },
-        { "letters", "abc", "" }, { "empty", "", "" } };
+        { "empty", "", "" } };
     for (const auto &row : rows)
         QTest::newRow(row[0]) << QString(row[1]) << QString(row[2]);
 }
@@ -97,39 +71,23 @@ void tst_XmlElement::typedQueries()
     QCOMPARE(element.doubleAttribute("a"), kinds.contains('d') && value != "0");
 }
 
+// A failed remembering query still remembers: the following read answers for that name.
 void tst_XmlElement::rememberedNamesServeTheFollowingRead()
 {
-    XmlElement element = XmlElement::fromByteArray(
-        "<R a=\"7\" b=\"9\"><Count>12</Count><Big>18446744073709551615</Big><Flag>true</Flag>"
-        "<Ratio>2.5</Ratio><Text>t</Text><Device3><Data>d</Data></Device3></R>");
+    XmlElement element
+        = XmlElement::fromByteArray("<R a=\"7\" b=\"9\"><Big>18446744073709551615</Big>"
+                                    "<Text>t</Text><Device3><Data>d</Data></Device3></R>");
     QVERIFY(element.hasIntAttributeRemembered("b"));
     QCOMPARE(element.intAttribute(), 9);
-    QCOMPARE(element.attribute(), "9");
     QVERIFY(element.hasUIntAttributeRemembered("a"));
     QCOMPARE(element.uintAttribute(), 7u);
-
-    QVERIFY(element.hasIntChildRemembered("Count"));
-    QCOMPARE(element.intChild(), 12);
-    QCOMPARE(element.uintChild(), 12u);
     QVERIFY(element.hasUInt64ChildRemembered("Big"));
     QCOMPARE(element.uint64Child(), Q_UINT64_C(18446744073709551615));
-    QVERIFY(element.hasBoolChildRemembered("Flag"));
-    QVERIFY(element.boolChild());
-    QVERIFY(element.hasDoubleChildRemembered("Ratio"));
-    QCOMPARE(element.doubleChild(), 2.5);
-    QVERIFY(element.hasChildRemembered("Text"));
-    QCOMPARE(element.text(), "t");
-    QCOMPARE(element.child(QString()).tagName(), "Text");
-
-    // A failed remembering query still remembers: the following read answers for that name.
     QVERIFY(!element.hasIntChildRemembered("Text"));
     QCOMPARE(element.intChild(), 0);
-    QVERIFY(!element.hasChildRemembered("Missing"));
-    QVERIFY(element.text().isNull());
-
+    QCOMPARE(element.child(QString()).tagName(), "Text");
     QVERIFY(element.hasChildElementRemembered("Device", 3));
     QCOMPARE(element.child(QString()).text("Data"), "d");
-    QVERIFY(!element.hasChildElement("Device", 2));
 }
 
 void tst_XmlElement::childByNameOrPosition_data()
@@ -139,10 +97,8 @@ void tst_XmlElement::childByNameOrPosition_data()
     QTest::addColumn<QString>("expected");
     QTest::newRow("any name gives first") << "" << -1 << "a";
     QTest::newRow("null name, none remembered, position 2") << QString() << 2 << "b";
-    QTest::newRow("null name, position 1") << QString() << 1 << "a";
     QTest::newRow("past the end gives last") << QString() << 9 << "Item1";
     QTest::newRow("composed name") << "Item" << 1 << "Item1";
-    QTest::newRow("plain name") << "b" << -1 << "b";
     QTest::newRow("missing name") << "zzz" << -1 << "";
 }
 
@@ -156,40 +112,34 @@ void tst_XmlElement::childByNameOrPosition()
 
 void tst_XmlElement::listsAndStructure()
 {
-    // An index of 0 is composed into the name too; only a negative one leaves it bare.
-    QCOMPARE(XmlElement("Device", 0).tagName(), "Device0");
-    QCOMPARE(XmlElement("Device", -1).tagName(), "Device");
-
     XmlElement element("R");
     element.setAttribute("Count", quint64(3));
     element.setAttribute("On", true);
-    QCOMPARE(element.attribute("On"), "true");
-    QCOMPARE(element.attribute("Count"), "3");
+    QCOMPARE(element.attribute("On") + element.attribute("Count"), "true3");
     QCOMPARE(element.attributeNames().size(), 2);
     element.setChildText("Item", QString("1"));
     element.ensureChild("Other");
     element.ensureChild("Other");
     element.ensureChild("Item");
-    QCOMPARE(element.childNames(), QStringList({ "Item", "Other" }));
     element.removeChild("Item");
     QCOMPARE(element.childNames(), QStringList { "Other" });
 
-    // Appending copies deeply, and appending an element's own child adds nothing.
+    // Appending copies deeply, and appending an element's own child adds nothing. Setting a child
+    // again replaces its text.
     XmlElement part("Part");
     part.setChildText("Inner", 5);
     element.appendElement(part);
     part.setChildText("Inner", 6);
-    QCOMPARE(element.child("Part").intChild("Inner"), 5);
     element.appendElement(element.child("Part"));
     QCOMPARE(element.childNames(), QStringList({ "Other", "Part" }));
+    QCOMPARE(element.child("Part").intChild("Inner"), 5);
+    QCOMPARE(part.intChild("Inner"), 6);
 
     // An empty child counts, an attribute is no child.
     const XmlElement parsed = XmlElement::fromByteArray("<R N=\"a\"><X>1</X><Y/><X>2</X></R>");
     QCOMPARE(parsed.childNames(), QStringList({ "X", "Y", "X" }));
-    QCOMPARE(parsed.children("X").size(), 2);
     QCOMPARE(parsed.children("X").at(1).text(), "2");
-    QVERIFY(parsed.hasChild("Y") && parsed.text("Y").isEmpty());
-    QVERIFY(!parsed.hasChild("N") && parsed.text("N").isEmpty() && !parsed.hasChild("Z"));
+    QVERIFY(parsed.hasChild("Y") && !parsed.hasChild("N") && !parsed.hasChild("Z"));
 }
 
 QTEST_GUILESS_MAIN(tst_XmlElement)
