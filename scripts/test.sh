@@ -10,7 +10,7 @@ bash scripts/setup.sh
 mkdir -p build-asan build
 bash scripts/build.sh build-asan -DRADIOSIM_SANITIZE=ON -DRADIOSIM_BUILD_BENCHMARKS=OFF
 ASAN_OPTIONS=detect_leaks=1 UBSAN_OPTIONS=print_stacktrace=1 \
-    ctest --test-dir build-asan --output-on-failure -j 2 -E '^package_'
+    ctest --test-dir build-asan --output-on-failure -j 2 -E '^install_'
 
 bash scripts/build.sh build
 ctest --test-dir build --output-on-failure -j 2

@@ -7,21 +7,11 @@
 #include <radiosim/scenario/scenarioobject.h>
 #include <radiosim/units/settings.h>
 
+#include "testhelpers.h"
+
 #include <QStringList>
 #include <QTest>
 #include <QVector>
-
-// The columns of a data table, named in order.
-template <typename... Types, typename... Names> void columns(const Names &...names)
-{
-    (QTest::addColumn<Types>(names), ...);
-}
-
-// One row of a data table, the values in column order and of the columns' exact types.
-template <typename... Values> void row(const char *name, const Values &...values)
-{
-    (QTest::newRow(name) << ... << values);
-}
 
 // A slow hopper of one 25 MHz step that ends (INACTIVE) at `end`; a fixed 25 MHz for NoEnd.
 inline Simulation::IFrequencySettings *frequencyEndingAt(uint end)
