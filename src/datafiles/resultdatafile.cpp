@@ -78,7 +78,8 @@ bool ResultDataFile::open()
     MutexLocker locker(&d->mutex);
     d->file.close();
     d->reader.reset();
-    if (!d->file.open(QIODevice::ReadOnly | QIODevice::Unbuffered))
+    // QFile would warn on the console about an empty name.
+    if (d->file.fileName().isEmpty() || !d->file.open(QIODevice::ReadOnly | QIODevice::Unbuffered))
         return false;
     char header[HeaderSize];
     if (d->file.read(header, HeaderSize) != HeaderSize || std::memcmp(header, Magic, 7) != 0

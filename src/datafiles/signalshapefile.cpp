@@ -32,7 +32,8 @@ bool SignalShapeFile::open()
 {
     MutexLocker locker(&mutex);
     file->close();
-    if (!file->open(QIODevice::ReadOnly))
+    // QFile would warn on the console about an empty name.
+    if (file->fileName().isEmpty() || !file->open(QIODevice::ReadOnly))
         return false;
     if (readGlobalHeader())
         return true;

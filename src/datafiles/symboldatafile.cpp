@@ -98,7 +98,8 @@ bool SymbolDataFile::open()
 {
     MutexLocker locker(&d->mutex);
     d->close();
-    if (!d->file.open(QIODevice::ReadOnly | QIODevice::Unbuffered))
+    // QFile would warn on the console about an empty name.
+    if (d->file.fileName().isEmpty() || !d->file.open(QIODevice::ReadOnly | QIODevice::Unbuffered))
         return false;
     char header[HeaderSize];
     if (d->file.read(header, HeaderSize) == HeaderSize && std::memcmp(header, Magic, 7) == 0

@@ -145,7 +145,8 @@ bool WaveFileReader::open()
 {
     close();
     d->file.setFileName(d->fileName);
-    if (!d->file.open(QIODevice::ReadOnly) || d->file.isSequential()) {
+    // QFile would warn on the console about an empty name.
+    if (d->fileName.isEmpty() || !d->file.open(QIODevice::ReadOnly) || d->file.isSequential()) {
         close();
         return false;
     }

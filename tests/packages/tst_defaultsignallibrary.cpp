@@ -1,5 +1,6 @@
 #include <radiosim/datafiles/audiofile.h>
 #include <radiosim/datafiles/signalshapefile.h>
+#include <radiosim/packages/signalpackagefolder.h>
 #include <radiosim/platform/ovzip.h>
 
 #include <QtTest>
@@ -92,6 +93,30 @@ private Q_SLOTS:
                 "for name in sys.argv[1:]: print(zlib.crc32(open(name, 'rb').read()))" }
                 + files);
         QCOMPARE(stated, QString::fromLatin1(computed));
+    }
+
+    // The generator writes the descriptors itself; the library reads them back, the zero byte
+    // behind the root included. The folder's name wins over "Name".
+    void descriptorsReadBack()
+    {
+        QStringList read;
+        for (const QString folder : { "Default", "Gauss 10kHz", "Rect 10kHz" }) {
+            const SignalPackage p = SignalPackageFolder::signalPackage(m_library.filePath(folder));
+            read << QStringLiteral("%1|%2|%3|%4|%5|%6|%7|%8%9")
+                        .arg(p.id(), p.name(), p.author())
+                        .arg(p.timestamp())
+                        .arg(p.signalBandwidth())
+                        .arg(p.analogModulation())
+                        .arg(p.duration())
+                        .arg(p.hasAudioContent())
+                        .arg(p.hasSymbolDataContent() || p.hasResultDataContent());
+        }
+        QCOMPARE(read,
+            QStringList({ "/Default/Default|Default|Varnow-Heide|1289821292|10000|0|3000|10",
+                "/Default/Gauss10k|Gauss 10kHz|Varnow-Heide|1289821292|10000|0|3000|10",
+                "/Default/Rect10k|Rect 10kHz|Varnow-Heide|1289821292|10000|0|3000|10" }));
+        QVERIFY(
+            contentOf(m_library.filePath("Default/Signal.xml")).contains("Default - Gauss 10kHz"));
     }
 
     void soxiReadsTheAudio()
