@@ -63,6 +63,7 @@ public:
 private:
     QStringList listSignalPackages(const QString &folder);
     // Runs on a worker thread and takes no lock: it touches only files and reads cacheDir.
+    // Answers the cleaned ids it made descriptors for; nothing uses them.
     QStringList cachePackage(const QString &packageFolder);
     QString cleanId(QString id);
     // Without a cache file of the package, the object opens fallback, or there is none.

@@ -250,6 +250,8 @@ private Q_SLOTS:
             reader.join();
         QCOMPARE(wrong.load(), 0);
         QCOMPARE(listing(m_cacheDir), repositoryListing);
+        // Objects made while the files were cleared away keep the default's data: start anew.
+        cache.deleteAllSignalpackages();
         QCOMPARE(lookUp(cache, "/Old/Alpha"), QString("/Lib1/Alpha 1 1 1000 1000"));
     }
 
