@@ -15,6 +15,7 @@ constexpr qint64 HeaderSize = 35;
 constexpr qint64 RecordHeadSize = 16;
 constexpr char Magic[] = "V&H-SSF";
 constexpr quint32 Version = 2;
+constexpr size_t ReadAheadBytes = 16 * 1024;
 } // namespace
 
 SignalShapeFile::SignalShapeFile(const QString &fileName)
@@ -33,7 +34,7 @@ bool SignalShapeFile::open()
     MutexLocker locker(&mutex);
     file->close();
     // QFile would warn on the console about an empty name.
-    if (file->fileName().isEmpty() || !file->open(QIODevice::ReadOnly))
+    if (file->fileName().isEmpty() || !file->open(QIODevice::ReadOnly | QIODevice::Unbuffered))
         return false;
     if (readGlobalHeader())
         return true;
@@ -86,12 +87,31 @@ bool SignalShapeFile::readGlobalHeader()
     currentRecordPos = 0;
     currentSpectrum.clear();
     currentSpectrum.resize(binCount, 0.0f);
+    readAhead.resize(std::max<size_t>(ReadAheadBytes / recordSize, 1) * recordSize);
+    readAheadStart = -1;
     return true;
 }
 
 quint64 SignalShapeFile::posInFile(uint milliseconds)
 {
     return quint64(recordSize) * ((milliseconds / spectrumPeriod) % spectrumCount) + HeaderSize;
+}
+
+qint64 SignalShapeFile::bufferRecord(qint64 position)
+{
+    const qint64 offset = position - readAheadStart;
+    if (readAheadStart >= 0 && offset >= 0 && offset + recordSize <= readAheadSize)
+        return recordSize;
+    // The record right behind the last one starts a run of records: read ahead. Anything else
+    // is a jump, where bytes beyond the one record would be wasted.
+    const bool sequential = position == qint64(currentRecordPos) + recordSize;
+    const qint64 wanted = sequential ? qint64(readAhead.size()) : recordSize;
+    readAheadStart = position;
+    readAheadSize = 0;
+    if (file->pos() != position && !file->seek(position))
+        return 0;
+    readAheadSize = std::max<qint64>(file->read(readAhead.data(), wanted), 0);
+    return std::min<qint64>(readAheadSize, recordSize);
 }
 
 void SignalShapeFile::readSpectrum(uint milliseconds)
@@ -104,18 +124,19 @@ void SignalShapeFile::readSpectrum(uint milliseconds)
     const quint64 position = posInFile(milliseconds % loop);
     if (position == currentRecordPos)
         return;
-    if (quint64(file->pos()) != position && !file->seek(qint64(position)))
-        return;
+    const qint64 available = bufferRecord(qint64(position));
     // A short read keeps what it cannot replace: the levels here, the tail of the bins below.
-    char head[RecordHeadSize];
-    if (file->read(head, RecordHeadSize) == RecordHeadSize) {
-        const float first = qFromLittleEndian<float>(head + 8);
-        const float second = qFromLittleEndian<float>(head + 12);
+    const char *record = readAhead.data() + (qint64(position) - readAheadStart);
+    if (available >= RecordHeadSize) {
+        const float first = qFromLittleEndian<float>(record + 8);
+        const float second = qFromLittleEndian<float>(record + 12);
         // Equal levels or a NaN: the second is taken as the peak.
         peakLevel = first < second ? first : second;
         signalLevel = first < second ? second : first;
     }
-    file->read(reinterpret_cast<char *>(currentSpectrum.data()), 4 * qint64(binCount));
+    if (available > RecordHeadSize)
+        std::memcpy(
+            currentSpectrum.data(), record + RecordHeadSize, size_t(available - RecordHeadSize));
     currentRecordPos = position;
 }
 

@@ -31,9 +31,10 @@ public:
     // The loop of readSpectrum(); to be set before the first read.
     void setPackageDuration(uint milliseconds);
     // Makes the record at milliseconds (modulo the package duration, then modulo the shape's
-    // own length) the current one. No allocation; the file is touched only when the record
-    // changes, and not sought when it already lies under the read position. Any thread may
-    // call it. Does nothing before a successful open() and while the package duration is 0.
+    // own length) the current one. No allocation; the file is read only when the record
+    // changes and was not read ahead, and not sought when it already lies under the read
+    // position. Any thread may call it. Does nothing before a successful open() and while the
+    // package duration is 0.
     void readSpectrum(uint milliseconds);
 
     // The bins of the current record, binCount entries. The reference stays valid, and its
@@ -56,6 +57,9 @@ private:
     // The offset of the record at milliseconds, without the package loop; the record period
     // and count must not be 0.
     quint64 posInFile(uint milliseconds);
+    // Makes the record at position available in readAhead, reading from the file only when it
+    // is not there yet; answers how many of its bytes could be read.
+    qint64 bufferRecord(qint64 position);
 
     QFile *file;
     quint64 spectrumCount = 0;
@@ -72,6 +76,11 @@ private:
     quint64 currentRecordPos = 0; // below the first record: none read yet
     std::atomic<quint32> packageDuration { 0 };
     QMutex mutex;
+    // Records read from the file and not handed over yet. Sequential play reads several
+    // records at once, a jump only the one it lands on; the file is opened unbuffered.
+    std::vector<char> readAhead;
+    qint64 readAheadStart = -1;
+    qint64 readAheadSize = 0;
 };
 
 } // namespace Simulation

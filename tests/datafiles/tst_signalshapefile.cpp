@@ -109,6 +109,24 @@ private Q_SLOTS:
         QCOMPARE(levels.join(' '), QString("1/8 1/8 3/3 5/nan nan/5"));
     }
 
+    // Play in order and a jump back, over records of 4016 bytes, four to a read-ahead block:
+    // every record comes out whole, at block edges too.
+    void sequentialPlayCrossesReadAheadBlocks()
+    {
+        SignalShapeFile shape(writeFile(m_dir.filePath("a.ssf"), shapeFile(100, 10, 1000, rising)));
+        QVERIFY(shape.open());
+        shape.setPackageDuration(10000);
+        QStringList wrong;
+        for (uint ms = 0; ms < 20000; ms += 50) {
+            shape.readSpectrum(ms % 10000 == 5000 ? 1234 : ms);
+            const uint record = (ms % 10000 == 5000 ? 1234 : ms) % 10000 / 100;
+            if (current(shape) != QStringLiteral("1/%1: %2 %2.1 %2.2").arg(record + 2).arg(record)
+                || shape.spectrum().back() != float(record) + 99.9f)
+                wrong << QString::number(ms);
+        }
+        QCOMPARE(wrong.join(' '), QString());
+    }
+
     // The record on disk changes under an open reader: only a change of record reads again.
     void theCurrentRecordIsReadOnce()
     {
