@@ -1,9 +1,11 @@
+#include <radiosim/documents/scenariodataxml.h>
 #include <radiosim/packages/datastorefactory.h>
+#include <radiosim/packages/signalpackage.h>
+#include <radiosim/packages/signalpackagecache.h>
 #include <radiosim/platform/cfgcenter.h>
 
 #include "testhelpers.h"
 
-#include <QtConcurrent>
 #include <QtTest>
 #include <QtWidgets>
 
@@ -68,6 +70,7 @@ private Q_SLOTS:
     void storeDirectories_data();
     void storeDirectories();
     void initializeSetsUpTheTree();
+    void defaultDataServesTheCacheAndScenario();
     void failureShowsTheDialog_data();
     void failureShowsTheDialog();
     void readOnlyRepositoryShowsTheDialog();
@@ -90,7 +93,8 @@ private:
 void tst_DataStoreFactory::initTestCase()
 {
     QVERIFY(m_dir.isValid());
-    // The dialog is modal: the timer answers it from inside its event loop.
+    // The dialog is modal: the timer answers it from inside its event loop, and runs all the
+    // time, so that an unexpected dialog cannot hang a test.
     m_dialogCloser.setInterval(10);
     connect(&m_dialogCloser, &QTimer::timeout, this, [this] {
         auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
@@ -102,6 +106,7 @@ void tst_DataStoreFactory::initTestCase()
                        .arg(box->standardButtons());
         box->done(0);
     });
+    m_dialogCloser.start();
 }
 
 std::unique_ptr<ICfg> tst_DataStoreFactory::configuration(const QByteArray &ini)
@@ -117,9 +122,7 @@ std::unique_ptr<ICfg> tst_DataStoreFactory::configuration(const QByteArray &ini)
 QString tst_DataStoreFactory::initialize(ICfg *cfg)
 {
     m_dialog.clear();
-    m_dialogCloser.start();
     const bool result = DataStoreFactory::initializeDataStore(cfg);
-    m_dialogCloser.stop();
     return QLatin1String(result ? "true" : "false")
         + (m_dialog.isEmpty() ? QString() : QLatin1Char('|') + m_dialog);
 }
@@ -199,6 +202,51 @@ void tst_DataStoreFactory::initializeSetsUpTheTree()
     QCOMPARE(readFile(scenario), QByteArray("edited"));
 }
 
+// The start of an application: the repository set up on an empty root feeds the cache, and the
+// default scenario loads from the repository with the cache as its provider.
+void tst_DataStoreFactory::defaultDataServesTheCacheAndScenario()
+{
+    const QString root = freshRoot();
+    const auto cfg = configuration("[Repository/FileSystem]\nRepository=" + root.toUtf8() + "\n");
+    QCOMPARE(initialize(cfg.get()), QStringLiteral("true"));
+    const QString packages = DataStoreFactory::signalPackageStoreDir(cfg.get());
+    const QString library = packages + "/VuH-Default";
+    QCOMPARE(listing(library), QStringLiteral(".library .lock Default/ Gauss 10kHz/ Rect 10kHz/"));
+    for (const char *package : { "/Default", "/Gauss 10kHz", "/Rect 10kHz" })
+        QCOMPARE(listing(library + package), QStringLiteral("Signal.ssf Signal.wav Signal.xml"));
+    const QString scenario
+        = DataStoreFactory::defaultScenario(DataStoreFactory::fileStoreDir(cfg.get()));
+    QCOMPARE(readFile(scenario), readFile(QStringLiteral(":/DefaultData/Default.sce.exp")));
+
+    // The library is unpacked anew at each start.
+    const QByteArray descriptor = readFile(library + "/Default/Signal.xml");
+    QVERIFY(writeFile(library + "/Default/Signal.xml", "edited"));
+    QVERIFY(QFile::remove(library + "/Rect 10kHz/Signal.wav"));
+    QCOMPARE(initialize(cfg.get()), QStringLiteral("true"));
+    QCOMPARE(readFile(library + "/Default/Signal.xml"), descriptor);
+    QCOMPARE(listing(library + "/Rect 10kHz"), QStringLiteral("Signal.ssf Signal.wav Signal.xml"));
+
+    const QString cacheDirectory = m_dir.filePath(QStringLiteral("cache%1").arg(++m_count));
+    QVERIFY(QDir().mkpath(cacheDirectory));
+    SignalPackageCache cache(cacheDirectory, QStringLiteral("Default"));
+    cache.prepareCacheForUse();
+    cache.updateCache(packages, false);
+    for (const char *id : { "/Default/Default", "/Default/Gauss10k", "/Default/Rect10k" })
+        QVERIFY2(cache.validSignalPackageId(QLatin1String(id)), id);
+
+    ScenarioDataXml document(&cache);
+    QVERIFY(document.fromXmlFile(scenario));
+    QCOMPARE(document.scenarioObjects().size(), 17);
+    QStringList emissions;
+    for (const auto &object : document.scenarioObjects()) {
+        for (const auto &emission : object->ScenarioObject::emissionSettings()->emissions())
+            emissions << (emission->signalPackage ? emission->signalPackage->id() : "none");
+    }
+    emissions.removeDuplicates();
+    QCOMPARE(emissions, QStringList { "/Default/Default" });
+    releaseScenario(document.scenarioObjects());
+}
+
 void tst_DataStoreFactory::failureShowsTheDialog_data()
 {
     columns<QByteArray, QStringList, QString>("ini", "entries", "after");
@@ -251,9 +299,13 @@ void tst_DataStoreFactory::readOnlyRepositoryShowsTheDialog()
 void tst_DataStoreFactory::traceLineAwayFromTheInterfaceThread()
 {
     QTest::ignoreMessage(QtCriticalMsg, qPrintable("Simulation System: " + failureText));
-    QFuture<bool> result
-        = QtConcurrent::run([] { return DataStoreFactory::initializeDataStore(nullptr); });
-    QVERIFY(!result.result());
+    bool result = true;
+    // A thread of its own: a pool's task may run on the thread that waits for it.
+    std::unique_ptr<QThread> thread(
+        QThread::create([&result] { result = DataStoreFactory::initializeDataStore(nullptr); }));
+    thread->start();
+    QVERIFY(thread->wait(10000));
+    QVERIFY(!result);
 }
 
 void tst_DataStoreFactory::noPackageStore()
