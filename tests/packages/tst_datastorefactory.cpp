@@ -4,7 +4,7 @@
 #include <radiosim/packages/signalpackagecache.h>
 #include <radiosim/platform/cfgcenter.h>
 
-#include "testhelpers.h"
+#include "datafiles/datafiletesthelpers.h"
 
 #include <QtTest>
 #include <QtWidgets>
@@ -19,15 +19,10 @@ const QString failureText = QStringLiteral("There is an error in your simulation
                                            "configuration. The repository is either not "
                                            "accessible or not writable!");
 // Title, text, icon and buttons of a critical dialog with an Ok button.
-const QString failureDialog = QStringLiteral("Simulation System|") + failureText
+const QString failureDialog = QStringLiteral("false|Simulation System|") + failureText
     + QStringLiteral("|%1|%2").arg(QMessageBox::Critical).arg(QMessageBox::Ok);
-
-bool writeFile(const QString &path, const QByteArray &content)
-{
-    QFile file(path);
-    return QDir().mkpath(QFileInfo(path).path()) && file.open(QIODevice::WriteOnly)
-        && file.write(content) == content.size();
-}
+const auto readable = QFile::ReadOwner | QFile::ExeOwner | QFile::ReadUser | QFile::ExeUser;
+const auto writable = QFile::WriteOwner | QFile::WriteUser | QFile::WriteGroup | QFile::WriteOther;
 
 QByteArray readFile(const QString &path)
 {
@@ -35,12 +30,9 @@ QByteArray readFile(const QString &path)
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
-// The names in folder, sorted, hidden ones too, folders with a trailing slash; "-" when the
-// folder does not exist.
+// The names in folder, sorted, hidden ones too, folders with a trailing slash.
 QString listing(const QString &folder)
 {
-    if (!QFileInfo(folder).isDir())
-        return QStringLiteral("-");
     QStringList names;
     for (const QFileInfo &entry : QDir(folder).entryInfoList(
              QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden, QDir::Name))
@@ -48,12 +40,20 @@ QString listing(const QString &folder)
     return names.join(' ');
 }
 
-// Creates the entries below root, folders ending in a slash, files empty.
+// Creates the entries below root: folders end in a slash, files are empty, and "!" takes the
+// write rights from root.
 bool prepare(const QString &root, const QStringList &entries)
 {
     for (const QString &entry : entries) {
         const QString path = root + '/' + entry;
-        if (!(entry.endsWith('/') ? QDir().mkpath(path) : writeFile(path, QByteArray())))
+        bool done = false;
+        if (entry == "!")
+            done = QFile::setPermissions(root, readable);
+        else if (entry.endsWith('/'))
+            done = QDir().mkpath(path);
+        else
+            done = QDir().mkpath(QFileInfo(path).path()) && !writeFile(path, {}).isEmpty();
+        if (!done)
             return false;
     }
     return true;
@@ -69,20 +69,18 @@ private Q_SLOTS:
     void initTestCase();
     void storeDirectories_data();
     void storeDirectories();
-    void initializeSetsUpTheTree();
-    void defaultDataServesTheCacheAndScenario();
+    void initializeFeedsTheCacheAndTheDefaultScenario();
     void failureShowsTheDialog_data();
     void failureShowsTheDialog();
-    void readOnlyRepositoryShowsTheDialog();
     void traceLineAwayFromTheInterfaceThread();
-    void noPackageStore();
 
 private:
-    // A handle on the section "Repository" of a configuration file of its own.
-    std::unique_ptr<ICfg> configuration(const QByteArray &ini);
+    // A handle on the section "Repository" of a configuration file of its own; %1 in ini
+    // stands for root.
+    std::unique_ptr<ICfg> configuration(QByteArray ini, const QString &root = QString());
     // "true" or "false", then the dialog that was shown, if any.
     QString initialize(ICfg *cfg);
-    QString freshRoot();
+    QString freshDirectory();
 
     QTemporaryDir m_dir;
     int m_count = 0;
@@ -109,10 +107,10 @@ void tst_DataStoreFactory::initTestCase()
     m_dialogCloser.start();
 }
 
-std::unique_ptr<ICfg> tst_DataStoreFactory::configuration(const QByteArray &ini)
+std::unique_ptr<ICfg> tst_DataStoreFactory::configuration(QByteArray ini, const QString &root)
 {
     const QString file = m_dir.filePath(QStringLiteral("cfg%1.ini").arg(++m_count));
-    if (!writeFile(file, ini))
+    if (writeFile(file, ini.replace("%1", root.toUtf8())).isEmpty())
         return nullptr;
     CfgCenter::setConfigurationFile(file);
     return std::unique_ptr<ICfg>(
@@ -127,26 +125,25 @@ QString tst_DataStoreFactory::initialize(ICfg *cfg)
         + (m_dialog.isEmpty() ? QString() : QLatin1Char('|') + m_dialog);
 }
 
-QString tst_DataStoreFactory::freshRoot()
+QString tst_DataStoreFactory::freshDirectory()
 {
-    const QString root = m_dir.filePath(QStringLiteral("root%1").arg(++m_count));
-    return QDir().mkpath(root) ? root : QString();
+    const QString path = m_dir.filePath(QStringLiteral("dir%1").arg(++m_count));
+    return QDir().mkpath(path) ? path : QString();
 }
 
 void tst_DataStoreFactory::storeDirectories_data()
 {
-    const QString sep = QDir::separator();
-    const QString temp = QDir::tempPath() + sep;
+    const auto below = [](const QString &root) {
+        QStringList paths;
+        for (const char *name : { "Files", "Icons", "Radar", "Sessions", "SignalPackages" })
+            paths << root + QDir::separator() + name;
+        return paths.join('|');
+    };
     columns<QByteArray, QString>("ini", "expected");
     row("repository", QByteArray("[Repository/FileSystem]\nRepository=/srv/sim\n"),
-        QStringList(
-            { "/srv/sim" + sep + "Files", "/srv/sim" + sep + "Icons", "/srv/sim" + sep + "Radar",
-                "/srv/sim" + sep + "Sessions", "/srv/sim" + sep + "SignalPackages" })
-            .join('|'));
+        below("/srv/sim"));
     row("section without the key", QByteArray("[Repository/FileSystem]\nOther=1\n"),
-        QStringList({ temp + "Files", temp + "Icons", temp + "Radar", temp + "Sessions",
-                        temp + "SignalPackages" })
-            .join('|'));
+        below(QDir::tempPath()));
     row("no section", QByteArray("[Repository]\nRepository=/srv/sim\n"), QString("||||"));
     row("empty root", QByteArray("[Repository/FileSystem]\nRepository=\n"), QString("||||"));
     row("not INI", QByteArray("\xff\xfe[[[=\0\n=\x01", 11), QString("||||"));
@@ -167,73 +164,54 @@ void tst_DataStoreFactory::storeDirectories()
         QStringLiteral("/srv/sim/Files/Varnow-Heide/Default.scexml"));
     QCOMPARE(DataStoreFactory::defaultSignalPackage(QStringLiteral("/srv/sim/SignalPackages")),
         QStringLiteral("/srv/sim/SignalPackages/VuH-Default/Default"));
-}
-
-void tst_DataStoreFactory::initializeSetsUpTheTree()
-{
-    const QString root = freshRoot();
-    QVERIFY(prepare(root, { "Sessions/old/file", "Icons/" }));
-    // Read and execute rights of a directory survive; write rights are added for everyone.
-    const auto readable = QFile::ReadOwner | QFile::ExeOwner | QFile::ReadUser | QFile::ExeUser;
-    const auto writable
-        = QFile::WriteOwner | QFile::WriteUser | QFile::WriteGroup | QFile::WriteOther;
-    QVERIFY(QFile::setPermissions(root + "/Icons", readable));
-    const auto cfg = configuration("[Repository/FileSystem]\nRepository=" + root.toUtf8() + "\n");
-
-    QCOMPARE(initialize(cfg.get()), QStringLiteral("true"));
-    QCOMPARE(listing(root), QStringLiteral("Files/ Icons/ SignalPackages/"));
-    QCOMPARE(listing(root + "/Files"), QStringLiteral("Varnow-Heide/"));
-    QVERIFY(!listing(root + "/SignalPackages").contains("~tmp.zip"));
-    QVERIFY(QFileInfo(DataStoreFactory::defaultSignalPackage(root + "/SignalPackages"))
-                .path()
-                .endsWith("/SignalPackages/VuH-Default"));
-    QCOMPARE(QFileInfo(root + "/Icons").permissions(), readable | writable);
-    for (const char *name : { "/Files", "/SignalPackages" })
-        QVERIFY((QFileInfo(root + name).permissions() & (readable | writable))
-            == (readable | writable));
-
-    // A second start leaves the user's scenario and files alone and removes the sessions.
-    const QString scenario = DataStoreFactory::defaultScenario(root + "/Files");
-    QVERIFY(QFile::remove(scenario) || !QFile::exists(scenario));
-    QVERIFY(writeFile(scenario, "edited") && prepare(root, { "Sessions/", "Files/mine" }));
-    QCOMPARE(initialize(cfg.get()), QStringLiteral("true"));
-    QCOMPARE(listing(root), QStringLiteral("Files/ Icons/ SignalPackages/"));
-    QCOMPARE(listing(root + "/Files"), QStringLiteral("Varnow-Heide/ mine"));
-    QCOMPARE(readFile(scenario), QByteArray("edited"));
+    QVERIFY(!DataStoreFactory::createSignalPackageStore(cfg.get(), true));
 }
 
 // The start of an application: the repository set up on an empty root feeds the cache, and the
-// default scenario loads from the repository with the cache as its provider.
-void tst_DataStoreFactory::defaultDataServesTheCacheAndScenario()
+// default scenario loads from it with the cache as its provider.
+void tst_DataStoreFactory::initializeFeedsTheCacheAndTheDefaultScenario()
 {
-    const QString root = freshRoot();
-    const auto cfg = configuration("[Repository/FileSystem]\nRepository=" + root.toUtf8() + "\n");
+    const QString root = freshDirectory();
+    const auto cfg = configuration("[Repository/FileSystem]\nRepository=%1\n", root);
     QCOMPARE(initialize(cfg.get()), QStringLiteral("true"));
+    QCOMPARE(listing(root), QStringLiteral("Files/ Icons/ SignalPackages/"));
+    for (const char *name : { "/Files", "/Icons", "/SignalPackages" })
+        QVERIFY((QFileInfo(root + name).permissions() & (readable | writable))
+            == (readable | writable));
     const QString packages = DataStoreFactory::signalPackageStoreDir(cfg.get());
     const QString library = packages + "/VuH-Default";
+    QCOMPARE(listing(packages), QStringLiteral("VuH-Default/"));
     QCOMPARE(listing(library), QStringLiteral(".library .lock Default/ Gauss 10kHz/ Rect 10kHz/"));
-    for (const char *package : { "/Default", "/Gauss 10kHz", "/Rect 10kHz" })
-        QCOMPARE(listing(library + package), QStringLiteral("Signal.ssf Signal.wav Signal.xml"));
     const QString scenario
         = DataStoreFactory::defaultScenario(DataStoreFactory::fileStoreDir(cfg.get()));
     QCOMPARE(readFile(scenario), readFile(QStringLiteral(":/DefaultData/Default.sce.exp")));
 
-    // The library is unpacked anew at each start.
+    // A second start removes the sessions, unpacks the library anew, leaves the user's
+    // scenario and files alone, and adds write rights to read and execute rights.
     const QByteArray descriptor = readFile(library + "/Default/Signal.xml");
-    QVERIFY(writeFile(library + "/Default/Signal.xml", "edited"));
+    QVERIFY(QFile::remove(scenario) && !writeFile(scenario, "edited").isEmpty());
+    QVERIFY(!writeFile(library + "/Default/Signal.xml", "edited").isEmpty());
     QVERIFY(QFile::remove(library + "/Rect 10kHz/Signal.wav"));
+    QVERIFY(prepare(root, { "Sessions/old/file", "Files/mine" }));
+    QVERIFY(QFile::setPermissions(root + "/Icons", readable));
     QCOMPARE(initialize(cfg.get()), QStringLiteral("true"));
+    QCOMPARE(listing(root), QStringLiteral("Files/ Icons/ SignalPackages/"));
+    QCOMPARE(QFileInfo(root + "/Icons").permissions(), readable | writable);
+    QCOMPARE(listing(root + "/Files"), QStringLiteral("Varnow-Heide/ mine"));
+    QCOMPARE(readFile(scenario), QByteArray("edited"));
     QCOMPARE(readFile(library + "/Default/Signal.xml"), descriptor);
-    QCOMPARE(listing(library + "/Rect 10kHz"), QStringLiteral("Signal.ssf Signal.wav Signal.xml"));
+    for (const char *package : { "/Default", "/Gauss 10kHz", "/Rect 10kHz" })
+        QCOMPARE(listing(library + package), QStringLiteral("Signal.ssf Signal.wav Signal.xml"));
 
-    const QString cacheDirectory = m_dir.filePath(QStringLiteral("cache%1").arg(++m_count));
-    QVERIFY(QDir().mkpath(cacheDirectory));
+    const QString cacheDirectory = freshDirectory();
     SignalPackageCache cache(cacheDirectory, QStringLiteral("Default"));
     cache.prepareCacheForUse();
     cache.updateCache(packages, false);
     for (const char *id : { "/Default/Default", "/Default/Gauss10k", "/Default/Rect10k" })
         QVERIFY2(cache.validSignalPackageId(QLatin1String(id)), id);
 
+    QVERIFY(QFile::remove(scenario));
+    QCOMPARE(initialize(cfg.get()), QStringLiteral("true"));
     ScenarioDataXml document(&cache);
     QVERIFY(document.fromXmlFile(scenario));
     QCOMPARE(document.scenarioObjects().size(), 17);
@@ -249,6 +227,7 @@ void tst_DataStoreFactory::defaultDataServesTheCacheAndScenario()
 
 void tst_DataStoreFactory::failureShowsTheDialog_data()
 {
+    const QByteArray repository = "[Repository/FileSystem]\nRepository=%1";
     columns<QByteArray, QStringList, QString>("ini", "entries", "after");
     row("no configuration", QByteArray(), QStringList { "Sessions/" }, QString("Sessions/"));
     row("no section", QByteArray("[Repository]\nRepository=%1\n"), QStringList { "Sessions/" },
@@ -258,42 +237,27 @@ void tst_DataStoreFactory::failureShowsTheDialog_data()
     row("empty root", QByteArray("[Repository/FileSystem]\nRepository=\n"), QStringList(),
         QString());
     // The root itself is never created.
-    row("missing root", QByteArray("[Repository/FileSystem]\nRepository=%1/missing\n"),
-        QStringList(), QString());
-    row("root is a file", QByteArray("[Repository/FileSystem]\nRepository=%1/file\n"),
-        QStringList { "file" }, QString("file"));
+    row("missing root", repository + "/missing", QStringList(), QString());
+    row("root is a file", repository + "/file", QStringList { "file" }, QString("file"));
+    row("read-only root", repository, QStringList { "!" }, QString());
     // All three are tried; the sessions went before.
-    row("package store is a file", QByteArray("[Repository/FileSystem]\nRepository=%1\n"),
-        QStringList { "Sessions/", "SignalPackages" }, QString("Files/ Icons/ SignalPackages"));
-    row("library folder is a file", QByteArray("[Repository/FileSystem]\nRepository=%1\n"),
-        QStringList { "SignalPackages/VuH-Default" }, QString("Files/ Icons/ SignalPackages/"));
+    row("package store is a file", repository, QStringList { "Sessions/", "SignalPackages" },
+        QString("Files/ Icons/ SignalPackages"));
+    row("library folder is a file", repository, QStringList { "SignalPackages/VuH-Default" },
+        QString("Files/ Icons/ SignalPackages/"));
 }
 
 void tst_DataStoreFactory::failureShowsTheDialog()
 {
     QFETCH(QByteArray, ini);
     QFETCH(QStringList, entries);
-    const QString root = freshRoot();
+    const QString root = freshDirectory();
     QVERIFY(prepare(root, entries));
-    const auto cfg = configuration(ini.replace("%1", root.toUtf8()));
-    QCOMPARE(initialize(ini.isEmpty() ? nullptr : cfg.get()), "false|" + failureDialog);
-    QTEST(listing(root), "after");
-}
-
-void tst_DataStoreFactory::readOnlyRepositoryShowsTheDialog()
-{
-    const QString root = freshRoot();
-    QVERIFY(QFile::setPermissions(root, QFile::ReadOwner | QFile::ExeOwner));
-    const bool mayWrite = QDir(root).mkdir(QStringLiteral("probe"));
-    if (!mayWrite) {
-        const auto cfg
-            = configuration("[Repository/FileSystem]\nRepository=" + root.toUtf8() + "\n");
-        QCOMPARE(initialize(cfg.get()), "false|" + failureDialog);
-        QCOMPARE(listing(root), QString());
-    }
-    QVERIFY(QFile::setPermissions(root, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
-    if (mayWrite)
+    if (entries.contains("!") && QFileInfo(root).isWritable())
         QSKIP("This user may write into a read-only directory");
+    const auto cfg = configuration(ini, root);
+    QCOMPARE(initialize(ini.isEmpty() ? nullptr : cfg.get()), failureDialog);
+    QTEST(listing(root), "after");
 }
 
 void tst_DataStoreFactory::traceLineAwayFromTheInterfaceThread()
@@ -306,13 +270,6 @@ void tst_DataStoreFactory::traceLineAwayFromTheInterfaceThread()
     thread->start();
     QVERIFY(thread->wait(10000));
     QVERIFY(!result);
-}
-
-void tst_DataStoreFactory::noPackageStore()
-{
-    const auto cfg = configuration("[Repository/FileSystem]\nRepository=/srv/sim\n");
-    QVERIFY(!DataStoreFactory::createSignalPackageStore(nullptr, false));
-    QVERIFY(!DataStoreFactory::createSignalPackageStore(cfg.get(), true));
 }
 
 QTEST_MAIN(tst_DataStoreFactory)

@@ -1,7 +1,7 @@
 #include <radiosim/platform/cfgcenter.h>
 #include <radiosim/service/simulationsystemconfiguration.h>
 
-#include "testhelpers.h"
+#include "datafiles/datafiletesthelpers.h"
 
 #include <QtTest>
 
@@ -13,13 +13,6 @@ const char failureLine[] = "Simulation System: There is an error in your simulat
                            "configuration. The repository is either not accessible or not "
                            "writable!";
 
-bool writeFile(const QString &path, const QByteArray &content)
-{
-    QFile file(path);
-    return file.open(QIODevice::WriteOnly | QIODevice::Truncate)
-        && file.write(content) == content.size();
-}
-
 QString answers(const SimulationSystemConfiguration &configuration)
 {
     return QStringLiteral("%1|%2|%3|%4|%5")
@@ -27,14 +20,6 @@ QString answers(const SimulationSystemConfiguration &configuration)
         .arg(configuration.simulationServerPort())
         .arg(configuration.simulationServicePort())
         .arg(configuration.simulationSupervisorPort());
-}
-
-QString repository(const SimulationSystemConfiguration &configuration)
-{
-    return QStringList { configuration.fileStoreDir(), configuration.iconStoreDir(),
-        configuration.radarStoreDir(), configuration.signalPackageStoreDir(),
-        configuration.defaultScenario(), configuration.defaultSignalPackage() }
-        .join(QLatin1Char('|'));
 }
 
 } // namespace
@@ -77,7 +62,7 @@ private Q_SLOTS:
     {
         QFETCH(QByteArray, ini);
         QFile::remove(m_file);
-        QVERIFY(ini.isNull() || writeFile(m_file, ini));
+        QVERIFY(ini.isNull() || !writeFile(m_file, ini).isEmpty());
         SimulationSystemConfiguration configuration;
         configuration.loadConfiguation();
         QTEST(answers(configuration), "expected");
@@ -86,42 +71,42 @@ private Q_SLOTS:
     // The handles read the store at every call, and a second load replaces them.
     void changesAreSeenAtTheNextCall()
     {
-        QVERIFY(writeFile(m_file, "[Simulation/Ports]\nSimulationService=1\n"));
+        QVERIFY(!writeFile(m_file, "[Simulation/Ports]\nSimulationService=1\n").isEmpty());
         SimulationSystemConfiguration configuration;
         configuration.loadConfiguation();
         QCOMPARE(configuration.simulationServicePort(), quint16(1));
-        QVERIFY(writeFile(m_file, "[Simulation/Ports]\nSimulationService=2\n"));
-        QCOMPARE(configuration.simulationServicePort(), quint16(2));
+        QVERIFY(!writeFile(m_file, "[Simulation/Ports]\nSimulationService=22\n").isEmpty());
+        QCOMPARE(configuration.simulationServicePort(), quint16(22));
         configuration.loadConfiguation();
-        QCOMPARE(configuration.simulationServicePort(), quint16(2));
+        QCOMPARE(configuration.simulationServicePort(), quint16(22));
     }
 
+    // Before loadConfiguation() nothing is read; without a QApplication the one message of
+    // the data store is a trace line.
     void repositoryBelowItsSection()
     {
         const QString root = m_dir.filePath(QStringLiteral("repository"));
-        QVERIFY(writeFile(m_file,
-            "[Simulation/SimulationRepository/FileSystem]\nRepository=" + root.toUtf8() + "\n"));
+        QVERIFY(!writeFile(m_file,
+            "[Simulation/SimulationRepository/FileSystem]\nRepository=" + root.toUtf8() + "\n")
+                     .isEmpty());
         SimulationSystemConfiguration configuration;
         QTest::ignoreMessage(QtCriticalMsg, failureLine);
         QVERIFY(!configuration.initializeDataStore());
         QCOMPARE(answers(configuration), QDir::tempPath() + "|127.0.0.1|57401|57400|57409");
-        QCOMPARE(configuration.fileStoreDir(), QString());
+        QVERIFY(configuration.fileStoreDir().isNull());
 
         configuration.loadConfiguation();
         const QString files = root + QDir::separator() + "Files";
-        const QString packages = root + QDir::separator() + "SignalPackages";
-        QCOMPARE(repository(configuration),
-            QStringList(
-                { files, root + QDir::separator() + "Icons", root + QDir::separator() + "Radar",
-                    packages, files + "/Varnow-Heide/Default.scexml",
-                    packages + "/VuH-Default/Default" })
-                .join('|'));
-        // Without a QApplication the one message is a trace line.
+        QCOMPARE(configuration.radarStoreDir(), root + QDir::separator() + "Radar");
+        QCOMPARE(configuration.defaultScenario(), files + "/Varnow-Heide/Default.scexml");
+        QCOMPARE(configuration.defaultSignalPackage(),
+            root + QDir::separator() + "SignalPackages/VuH-Default/Default");
         QTest::ignoreMessage(QtCriticalMsg, failureLine);
         QVERIFY(!configuration.initializeDataStore());
-        QVERIFY(QDir().mkpath(root));
-        QVERIFY(configuration.initializeDataStore());
-        QVERIFY(QFileInfo(files).isDir());
+        QVERIFY(QDir().mkpath(root) && configuration.initializeDataStore());
+        QVERIFY(QFileInfo(configuration.iconStoreDir()).isDir()
+            && QFileInfo(configuration.signalPackageStoreDir()).isDir()
+            && QFileInfo(files).isDir());
     }
 
     void coordsFromConfigurationString_data()
