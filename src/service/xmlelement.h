@@ -28,7 +28,8 @@ public:
     // Root named sTag, or sTag followed by the decimal iIndex when iIndex >= 0.
     explicit XmlElement(const QString &sTag, int iIndex = -1);
 
-    // A null element if the bytes don't parse.
+    // A null element if the bytes don't parse, or if they nest elements more than 256 levels
+    // deep or declare more than 256 entities.
     static XmlElement fromByteArray(const QByteArray &xml);
 
     QString tagName() const;
