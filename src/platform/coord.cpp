@@ -208,6 +208,10 @@ bool readUtm(const QString &text, double &lon, double &lat)
 // The centre of the square the reference names, as a reader of GeoConvert's output expects.
 bool readMgrs(const QString &text, double &lon, double &lat)
 {
+    // A zone has at most two digits. GeographicLib sums any run of leading digits into an int
+    // before it looks at the length, which overflows from the tenth digit on.
+    if (text.indexOf(QRegExp(QStringLiteral("^[0-9]{3}"))) == 0)
+        return false;
     int zone = 0;
     bool northp = false;
     double x = 0.0;
