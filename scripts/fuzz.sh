@@ -15,5 +15,8 @@ mkdir -p "$corpus" "$findings"
 mapfile -t options < "$dir/fuzz/fuzz_$name.args"
 inputs=("$corpus" "$root/fuzz/seeds/$name")
 [ -d "$root/fuzz/regressions/$name" ] && inputs+=("$root/fuzz/regressions/$name")
+# No input of a few kilobytes needs a single allocation of 128 MB: a larger one is reported as
+# the amplification it is.
 exec nice -n 10 "$dir/fuzz/fuzz_$name" "${options[@]}" -max_total_time="$seconds" -timeout=10 \
-    -rss_limit_mb=2048 -print_final_stats=1 -artifact_prefix="$findings/" "$@" "${inputs[@]}"
+    -rss_limit_mb=2048 -malloc_limit_mb=128 -print_final_stats=1 -artifact_prefix="$findings/" \
+    "$@" "${inputs[@]}"
