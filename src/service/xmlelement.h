@@ -38,6 +38,7 @@ public:
     // A null sTag stands for the remembered child name. An empty name picks by position,
     // counted from 1; a position past the end gives the last child.
     XmlElement child(const QString &sTag = QString(), int iIndex = -1) const;
+    // In document order; an empty name gives the child elements of every name.
     QList<XmlElement> children(const QString &sTag) const;
     QStringList attributeNames() const;
     QStringList childNames() const;
