@@ -18,97 +18,72 @@
 
 #include <memory>
 
-// Knows the packages it was given and answers anything else with its default package, as the
-// cache does; counts what it was asked.
-class FakeProvider : public Simulation::ISignalPackageProvider
+namespace Simulation {
+
+using Package = std::shared_ptr<SignalPackage>;
+using Objects = QSet<std::shared_ptr<ScenarioObject>>;
+
+// Knows the packages it was given, the first being the default, and answers any other id with
+// the default, as the cache does.
+class FakeProvider : public ISignalPackageProvider
 {
 public:
     explicit FakeProvider(const QStringList &ids = { QStringLiteral("/Default/Default") })
     {
         for (const QString &id : ids) {
-            auto package = std::make_shared<Simulation::SignalPackage>();
-            package->setId(id);
-            packages.insert(id, package);
+            packages.insert(id, std::make_shared<SignalPackage>());
+            packages[id]->setId(id);
         }
         fallback = packages.value(ids.value(0));
     }
     bool validSignalPackageId(const QString &id) override { return packages.contains(id); }
-    std::shared_ptr<Simulation::SignalPackage> signalPackage(const QString &id) override
-    {
-        ++asked;
-        return packages.value(id, fallback);
-    }
-    std::shared_ptr<Simulation::SignalPackage> defaultSignalPackage() override { return fallback; }
-    Simulation::SignalShapeFile *signalShapeFile(
-        std::shared_ptr<Simulation::SignalPackage>) override
-    {
-        return nullptr;
-    }
-    Simulation::AudioFile *audioFile(std::shared_ptr<Simulation::SignalPackage>) override
-    {
-        return nullptr;
-    }
-    Simulation::SymbolDataFile *symbolDataFile(std::shared_ptr<Simulation::SignalPackage>) override
-    {
-        return nullptr;
-    }
-    Simulation::ResultDataFile *resultDataFile(std::shared_ptr<Simulation::SignalPackage>) override
-    {
-        return nullptr;
-    }
+    Package signalPackage(const QString &id) override { return packages.value(id, fallback); }
+    Package defaultSignalPackage() override { return fallback; }
+    SignalShapeFile *signalShapeFile(Package) override { return nullptr; }
+    AudioFile *audioFile(Package) override { return nullptr; }
+    SymbolDataFile *symbolDataFile(Package) override { return nullptr; }
+    ResultDataFile *resultDataFile(Package) override { return nullptr; }
 
-    QHash<QString, std::shared_ptr<Simulation::SignalPackage>> packages;
-    std::shared_ptr<Simulation::SignalPackage> fallback;
-    int asked = 0;
+    QHash<QString, Package> packages;
+    Package fallback;
 };
 
-// A scenario the way an editor builds one: `emitters` emitters with `entries` timetable entries
-// each, every tenth on a five-point route; with `networks`, that many networks of five members
-// with a shared timetable, and every seventh emitter linked to the one before it. Times are
-// whole seconds so that every value survives six significant digits.
-inline QSet<std::shared_ptr<Simulation::ScenarioObject>> generatedScenario(int emitters,
-    int entries, int networks, const std::shared_ptr<Simulation::SignalPackage> &package)
+// A scenario as an editor builds one: emitters with `entries` timetable entries each, every
+// tenth on a five-point route. With networks, that many networks of five members sharing a
+// timetable, and every seventh emitter linked to the one before it. Times are whole seconds
+// and values short, so that everything survives six significant digits.
+inline Objects generatedScenario(int emitters, int entries, int networks, const Package &package)
 {
-    using namespace Simulation;
-    QSet<std::shared_ptr<ScenarioObject>> objects;
+    Objects objects;
     QVector<std::shared_ptr<SzenarioEmitter>> all;
+    const auto addEntry = [&package](EmissionSettings *timetable, qint64 start, qint64 duration,
+                              const std::shared_ptr<SzenarioEmitter> &emitter) {
+        auto emission = timetable->createEmission();
+        *emission = { 0, nullptr, start, duration, emitter, package };
+        timetable->addEmission(emission);
+        return emission;
+    };
     for (int i = 0; i < emitters; ++i) {
         const auto emitter = std::make_shared<SzenarioEmitter>(
             QStringLiteral("E%1").arg(i), QStringLiteral("Emitter %1").arg(i));
         emitter->setClass(QStringLiteral("Emitter-White.ico"));
-        emitter->setDescription(QStringLiteral("generated"));
-        auto *fixed = new FrequencySettingsFixed;
-        fixed->setCenterFrequency(3e7 + 25000.0 * (i % 4000));
-        emitter->setFrequencySettings(fixed);
+        emitter->getFrequencySettings()->setCenterFrequency(3e7 + 25000.0 * (i % 4000));
         const TPos at { 11.0 + (i % 100) * 0.01, 48.0 + (i / 100) * 0.001 };
         if (i % 10 == 0) {
             auto *route = new PositionSettingsPtp(at, 0.01);
             QVector<MovementPoint> points;
-            for (int k = 0; k < 5; ++k) {
-                MovementPoint point;
-                point.position = { at.lon + 0.01 * k, at.lat + 0.005 * (k % 2) };
-                point.major = k % 2 == 0;
-                point.speed = 30.0 + k;
-                point.dwellTime = point.major ? 1000u * k : 0u;
-                point.name = point.major ? QStringLiteral("P%1").arg(k) : QString();
-                points << point;
-            }
+            for (int k = 0; k < 5; ++k)
+                points.append({ { at.lon + 0.01 * k, at.lat + 0.005 * (k % 2) }, 0,
+                    k % 2 ? 0u : 1000u * k, k % 2 == 0, QStringLiteral("P%1").arg(k), 30.0 + k });
             route->setMovements(points);
             route->setEndBehavior(EndBehaviourType(i % 3));
             emitter->setPositionSettings(route);
         } else {
             emitter->setPositionSettings(new PositionSettingsFixed(at));
         }
-        EmissionSettings *timetable = emitter->emissionSettings();
-        timetable->setDuration(qint64(entries) * 10000);
-        for (int k = 0; k < entries; ++k) {
-            auto emission = timetable->createEmission();
-            emission->start = qint64(k) * 10000;
-            emission->duration = 4000 + (i % 5) * 1000;
-            emission->emitter = emitter;
-            emission->signalPackage = package;
-            timetable->addEmission(emission);
-        }
+        emitter->emissionSettings()->setDuration(qint64(entries) * 10000);
+        for (int k = 0; k < entries; ++k)
+            addEntry(emitter->emissionSettings(), k * 10000, 4000 + (i % 5) * 1000, emitter);
         all << emitter;
         objects.insert(emitter);
     }
@@ -118,26 +93,20 @@ inline QSet<std::shared_ptr<Simulation::ScenarioObject>> generatedScenario(int e
     }
     for (int n = 0; n < networks && 5 * n + 5 <= emitters; ++n) {
         const auto network = std::make_shared<ScenarioNetwork>(QStringLiteral("N%1").arg(n));
-        network->setName(QStringLiteral("Network %1").arg(n));
         network->setColor(QColor(QStringLiteral("#006400")));
-        EmissionSettings *timetable = network->emissionSettings();
-        timetable->setDuration(50000);
-        auto group = timetable->createGroup();
+        network->emissionSettings()->setDuration(50000);
+        auto group = network->emissionSettings()->createGroup();
         for (int k = 0; k < 5; ++k) {
             const auto member = all[5 * n + k];
             network->addEmitter(member);
             member->setScenarioNetwork(network);
-            auto emission = timetable->createEmission();
-            emission->start = k * 10000;
-            emission->duration = 5000;
-            emission->emitter = member;
-            emission->signalPackage = package;
-            timetable->addEmission(emission);
-            group->members << emission;
+            group->members << addEntry(network->emissionSettings(), k * 10000, 5000, member);
         }
-        network->setHeadEmitter(network->emitterList().value(0));
-        timetable->addGroup(group);
+        network->setHeadEmitter(all[5 * n]);
+        network->emissionSettings()->addGroup(group);
         objects.insert(network);
     }
     return objects;
 }
+
+} // namespace Simulation
