@@ -14,6 +14,10 @@ class AudioFile;
 class SymbolDataFile;
 class ResultDataFile;
 
+// A store of packages that a repository may offer. Only named, as the result of the data store
+// factory, which has none to give: no operation of it exists.
+class ISignalPackageStore;
+
 // The way in which scenario code and devices reach packages and their data files.
 // The file objects stay owned by the provider.
 class RADIOSIM_EXPORT ISignalPackageProvider

@@ -2,6 +2,7 @@
 
 #include <quazip/quazip.h>
 #include <quazip/quazipfile.h>
+#include <quazip/quazipfileinfo.h>
 
 #include <QDir>
 #include <QFileInfo>
@@ -12,6 +13,15 @@ namespace OvZip {
 namespace {
 
 constexpr qint64 ChunkSize = 64 * 1024;
+// An entry is not unpacked past these: a few bytes of archive must not fill the disk.
+constexpr quint64 MaxEntrySize = quint64(1) << 30;
+constexpr quint64 MaxCompressionRatio = 1000;
+
+bool isPlausibleSize(const QuaZipFileInfo64 &info)
+{
+    return info.uncompressedSize <= MaxEntrySize
+        && info.uncompressedSize <= info.compressedSize * MaxCompressionRatio;
+}
 
 QString slashed(const QString &name)
 {
@@ -161,6 +171,9 @@ bool Archive::extractEntry(const QString &entry, const QString &target)
     if (targetInfo.isSymLink() && !QFile::remove(target))
         return false;
 
+    QuaZipFileInfo64 info;
+    if (!m_zip->getCurrentFileInfo(&info) || !isPlausibleSize(info))
+        return false;
     QuaZipFile in(m_zip.get());
     if (!in.open(QIODevice::ReadOnly))
         return false;
@@ -171,9 +184,9 @@ bool Archive::extractEntry(const QString &entry, const QString &target)
     qint64 total = 0;
     QByteArray chunk;
     while (!(chunk = in.read(ChunkSize)).isEmpty()) {
-        if (out.write(chunk) != chunk.size())
-            return false;
         total += chunk.size();
+        if (total > expected || out.write(chunk) != chunk.size())
+            return false;
     }
     // Closing checks the CRC, but only once everything was read: a read that stopped early
     // shows in the size. Either way the half-written copy is dropped.

@@ -13,7 +13,9 @@ namespace OvZip {
 
 // Read access to a zip archive. Nothing is written outside the target a caller names: an entry
 // whose name is absolute, carries a drive letter or climbs with ".." is refused, and so is a
-// target reached through a symbolic link that leaves the target folder. No operation throws.
+// target reached through a symbolic link that leaves the target folder, and so is an entry that
+// would unpack to more than 1 GiB or to more than 1000 times its packed size. No operation
+// throws.
 class RADIOSIM_EXPORT Archive
 {
 public:

@@ -169,6 +169,33 @@ private Q_SLOTS:
         QCOMPARE(filesBelow(m_dir->filePath("folder")), QStringList());
     }
 
+    // Entries that would unpack past 1 GiB (deflated 230:1) or past 1000 times their packed
+    // size (zeros, 1027:1) are refused before a byte is written; their neighbours are not.
+    void oversizedEntriesAreRefused()
+    {
+        const QString zip = m_dir->filePath("big.zip");
+        const char *script = "import sys, zipfile\n"
+                             "with zipfile.ZipFile(sys.argv[1], 'w', zipfile.ZIP_DEFLATED, "
+                             "compresslevel=1) as z:\n"
+                             "    with z.open('big.bin', 'w') as f:\n"
+                             "        for n in range(1025): f.write(bytes(1 << 20))\n"
+                             "    z.writestr('zeros.bin', bytes(10 << 20), compresslevel=9)\n"
+                             "    z.writestr('ok.txt', b'ok')\n";
+        QProcess python;
+        python.start("python3", { "-c", script, zip });
+        QVERIFY(python.waitForFinished(60000) && python.exitCode() == 0);
+
+        OvZip::Archive archive(zip);
+        QVERIFY(archive.open(OvZip::Archive::ZipRead));
+        for (const QString entry : { "big.bin", "zeros.bin" }) {
+            const QString target = m_dir->filePath(entry);
+            QVERIFY2(
+                !archive.extractToFile(entry, target) && !QFile::exists(target), qPrintable(entry));
+        }
+        QVERIFY(!archive.extractToFolder(m_dir->filePath("out")));
+        QCOMPARE(filesBelow(m_dir->filePath("out")), QStringList({ "ok.txt" }));
+    }
+
     // Empty, a truncated end record, no file at all, and a mode other than reading.
     void unusableArchives()
     {
