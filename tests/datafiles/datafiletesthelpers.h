@@ -4,8 +4,8 @@
 
 #include "testhelpers.h"
 
-#include <QFile>
 #include <QStringList>
+#include <QTemporaryDir>
 #include <QtEndian>
 
 #include <vector>
@@ -45,11 +45,11 @@ inline QByteArray rampWave(quint32 frames)
     return wave(fmt(1, 1, 32000, 2, 16) + chunk("data", data));
 }
 
-inline QString writeFile(const QString &path, const QByteArray &content)
+// A path in a folder that lives as long as the test program.
+inline QString scratch(const QString &name)
 {
-    QFile file(path);
-    const bool written = file.open(QIODevice::WriteOnly) && file.write(content) == content.size();
-    return written ? path : QString();
+    static const QTemporaryDir dir;
+    return dir.filePath(name);
 }
 
 // Runs of consecutive values as "first-last", so "0-98" or "990-999,0-9".

@@ -29,17 +29,17 @@ QByteArray resultFile(
     return bytes;
 }
 
-QVector<int> items(const QByteArray &bytes)
+QString items(const QByteArray &bytes)
 {
     QVector<int> numbers;
     for (int i = 0; i + 1 < bytes.size(); i += 2)
         numbers << qFromLittleEndian<quint16>(bytes.constData() + i);
-    return numbers;
+    return runs(numbers);
 }
 
-QVector<int> symbols(const std::vector<unsigned char> &bytes)
+QString symbols(const std::vector<unsigned char> &bytes)
 {
-    return QVector<int>(bytes.begin(), bytes.end());
+    return runs(QVector<int>(bytes.begin(), bytes.end()));
 }
 
 } // namespace
@@ -49,56 +49,54 @@ class tst_ConstantRateFiles : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void init() { QVERIFY(m_dir.isValid()); }
-
     // 1000 symbols and 1000 items at 100 a second: 10000 ms each. Symbols lose the last of
     // every stretch; result items don't.
     void stretches_data()
     {
-        columns<uint, uint, QString, QString>("start", "duration", "symbols", "items");
-        row("first second", 0u, 1000u, QString("0-98"), QString("0-99"));
-        row("over the end wraps to the start", 9900u, 200u, QString("222-231,0-8"),
-            QString("990-999,0-9"));
-        row("the file's length loops", 10000u, 1000u, QString("0-98"), QString("0-99"));
-        row("inside one item", 15u, 4u, QString(""), QString(""));
-        row("one item", 15u, 10u, QString(""), QString("1"));
-        row("duration 0", 0u, 0u, QString(""), QString(""));
+        const auto row = columns<uint, uint, QString>("start", "duration", "symbolsAndItems");
+        row("first second", 0, 1000, "0-98 0-99");
+        row("over the end wraps to the start", 9900, 200, "222-231,0-8 990-999,0-9");
+        row("the file's length loops", 10000, 1000, "0-98 0-99");
+        row("inside one item", 15, 4, " ");
+        row("one item", 15, 10, " 1");
+        row("duration 0", 0, 0, " ");
     }
 
     void stretches()
     {
         QFETCH(uint, start);
         QFETCH(uint, duration);
-        QFETCH(QString, symbols);
-        QFETCH(QString, items);
-        SymbolDataFile symbolFile(writeFile(m_dir.filePath("a.sdf"), ::symbolFile(1000, 100.0f)));
-        ResultDataFile resultFile(writeFile(m_dir.filePath("a.rdf"), ::resultFile(1000, 100.0f)));
+        QFETCH(QString, symbolsAndItems);
+        SymbolDataFile symbolFile(writeFile(scratch("a.sdf"), ::symbolFile(1000, 100.0f)));
+        ResultDataFile resultFile(writeFile(scratch("a.rdf"), ::resultFile(1000, 100.0f)));
         QVERIFY(symbolFile.open() && resultFile.open());
-        QCOMPARE(symbolFile.length(), 10000u);
-        QCOMPARE(resultFile.length(), 10000u);
-        QCOMPARE(runs(::symbols(symbolFile.readSymbols(start, duration))), symbols);
-        QCOMPARE(runs(::items(resultFile.readResultData(start, duration))), items);
+        QVERIFY(symbolFile.length() == 10000 && resultFile.length() == 10000);
+        QCOMPARE(symbols(symbolFile.readSymbols(start, duration)) + ' '
+                + items(resultFile.readResultData(start, duration)),
+            symbolsAndItems);
     }
 
+    // 10 symbols at 2.5 a second last 4000 ms; the rate set is ignored. Copies share the file.
     void symbolHeader()
     {
-        SymbolDataFile file(writeFile(m_dir.filePath("a.sdf"), symbolFile(10, 2.5f)));
-        QVERIFY(file.open() && file.isOpen());
+        SymbolDataFile file(writeFile(scratch("a.sdf"), symbolFile(10, 2.5f)));
+        QVERIFY(file.open());
         file.setSymbolRate(50);
-        QCOMPARE(file.symbolRate(), 2.5f);
-        QCOMPARE(file.length(), 4000u);
-        QCOMPARE(int(file.symbolValency()), 4);
-        QVERIFY(file.modulation().isEmpty());
-        // Copies share the open file.
+        QCOMPARE(QStringLiteral("%1/s %2 ms, valency %3")
+                     .arg(file.symbolRate())
+                     .arg(file.length())
+                     .arg(file.symbolValency()),
+            QString("2.5/s 4000 ms, valency 4"));
         SymbolDataFile copy = file;
         copy.close();
         QVERIFY(!file.isOpen() && file.readSymbols(0, 4000).empty() && file.length() == 0);
     }
 
-    // Refused symbol files are closed again; refused result files stay open.
+    // Refused symbol files are closed again; refused result files stay open. Neither reads.
     void refusedFiles_data()
     {
-        columns<QByteArray, QByteArray, bool>("symbolBytes", "resultBytes", "resultOpen");
+        const auto row
+            = columns<QByteArray, QByteArray, bool>("symbolBytes", "resultBytes", "resultOpen");
         row("version 1", symbolFile(10, 1.0f, 1), resultFile(10, 1.0f, "V&H-RDF\x01"), true);
         row("payload type 1", symbolFile(10, 1.0f, 0, 1), resultFile(10, 1.0f, "V&H-RDF", 1), true);
         row("other magic", "X" + symbolFile(10, 1.0f).mid(1), resultFile(10, 1.0f, "V&H-SDF"),
@@ -112,29 +110,31 @@ private Q_SLOTS:
         QFETCH(QByteArray, symbolBytes);
         QFETCH(QByteArray, resultBytes);
         QFETCH(bool, resultOpen);
-        const auto path = [&](const char *name, const QByteArray &bytes) {
-            return bytes.isEmpty() ? m_dir.filePath("missing")
-                                   : writeFile(m_dir.filePath(name), bytes);
+        const auto path = [](const char *name, const QByteArray &bytes) {
+            return bytes.isEmpty() ? scratch("missing") : writeFile(scratch(name), bytes);
         };
         SymbolDataFile symbols(path("a.sdf", symbolBytes));
-        QVERIFY(!symbols.open() && !symbols.isOpen());
-        QVERIFY(symbols.readSymbols(0, 1000).empty() && symbols.length() == 0
-            && symbols.symbolRate() == 0.0f);
         ResultDataFile results(path("a.rdf", resultBytes));
-        QCOMPARE(results.resultDataType(), ResultDataFile::ConstantRate);
-        QVERIFY(!results.open());
-        QCOMPARE(results.isOpen(), resultOpen);
-        QVERIFY(results.readResultData(0, 1000).isEmpty() && results.length() == 0);
+        QVERIFY(!symbols.open() && !results.open());
+        QCOMPARE(QStringLiteral("%1 %2 %3 %4 | %5 %6 %7")
+                     .arg(symbols.isOpen())
+                     .arg(symbols.readSymbols(0, 1000).size())
+                     .arg(symbols.length())
+                     .arg(symbols.symbolRate())
+                     .arg(results.isOpen())
+                     .arg(results.readResultData(0, 1000).size())
+                     .arg(results.length()),
+            QStringLiteral("0 0 0 0 | %1 0 0").arg(resultOpen));
     }
 
     // Rates that give no length: nothing is read, nothing divides by zero.
     void ratesWithoutLength_data()
     {
-        columns<float, quint64>("rate", "count");
-        row("rate 0", 0.0f, quint64(10));
-        row("negative rate", -5.0f, quint64(10));
-        row("no symbols", 100.0f, quint64(0));
-        row("longer than 2^32 ms", 0.001f, quint64(10000000));
+        const auto row = columns<float, quint64>("rate", "count");
+        row("rate 0", 0, 10);
+        row("negative rate", -5, 10);
+        row("no symbols", 100, 0);
+        row("longer than 2^32 ms", 0.001f, 10000000);
     }
 
     void ratesWithoutLength()
@@ -143,8 +143,7 @@ private Q_SLOTS:
         QFETCH(quint64, count);
         QByteArray symbolBytes = symbolFile(0, rate);
         symbolBytes.replace(33, 8, le(count));
-        SymbolDataFile symbols(
-            writeFile(m_dir.filePath("a.sdf"), symbolBytes + QByteArray(10, 'x')));
+        SymbolDataFile symbols(writeFile(scratch("a.sdf"), symbolBytes + QByteArray(10, 'x')));
         QVERIFY(symbols.open());
         QCOMPARE(symbols.length(), 0u);
         QVERIFY(symbols.readSymbols(5, 1000).empty());
@@ -153,20 +152,17 @@ private Q_SLOTS:
     // Cut under an open reader: the stretch ends at the cut instead of reading on and on.
     void fileTruncatedWhileOpen()
     {
-        const QString symbolPath = writeFile(m_dir.filePath("a.sdf"), symbolFile(1000, 100.0f));
-        const QString resultPath = writeFile(m_dir.filePath("a.rdf"), resultFile(1000, 100.0f));
+        const QString symbolPath = writeFile(scratch("a.sdf"), symbolFile(1000, 100.0f));
+        const QString resultPath = writeFile(scratch("a.rdf"), resultFile(1000, 100.0f));
         SymbolDataFile symbols(symbolPath);
         ResultDataFile results(resultPath);
         QVERIFY(symbols.open() && results.open());
         QVERIFY(QFile::resize(symbolPath, 41 + 50) && QFile::resize(resultPath, 28 + 100));
-        QCOMPARE(runs(::symbols(symbols.readSymbols(0, 4000000))), QString("0-48"));
-        QCOMPARE(runs(::items(results.readResultData(0, 4000000))), QString("0-49"));
+        QCOMPARE(::symbols(symbols.readSymbols(0, 4000000)), QString("0-48"));
+        QCOMPARE(items(results.readResultData(0, 4000000)), QString("0-49"));
         results.close();
         QVERIFY(results.readResultData(0, 1000).isEmpty() && results.length() == 10000);
     }
-
-private:
-    QTemporaryDir m_dir;
 };
 
 QTEST_GUILESS_MAIN(tst_ConstantRateFiles)

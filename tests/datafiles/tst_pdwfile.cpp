@@ -32,12 +32,6 @@ QString layout(const QByteArray &bytes)
     return blocks.join(' ');
 }
 
-QByteArray contentOf(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
 } // namespace
 
 class tst_PDWFile : public QObject
@@ -45,16 +39,13 @@ class tst_PDWFile : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void init() { QVERIFY(m_dir.isValid()); }
-
     void writing_data()
     {
-        columns<int, bool, int, QString>("adds", "headers", "size", "blocks");
-        row("2500 in blocks", 2500, true, 3 * 32 + 80000,
-            QString("1000@0/8008 1000@1/8008 500@2/4008"));
-        row("2500 plain", 2500, false, 80000, QString());
-        row("none, one empty block", 0, true, 32, QString("0@0/8"));
-        row("exactly 1000", 1000, true, 32 + 32000, QString("1000@0/8008"));
+        const auto row = columns<int, bool, int, QString>("adds", "headers", "size", "blocks");
+        row("2500 in blocks", 2500, true, 3 * 32 + 80000, "1000@0/8008 1000@1/8008 500@2/4008");
+        row("2500 plain", 2500, false, 80000, "");
+        row("none, one empty block", 0, true, 32, "0@0/8");
+        row("exactly 1000", 1000, true, 32 + 32000, "1000@0/8008");
     }
 
     void writing()
@@ -63,7 +54,7 @@ private Q_SLOTS:
         QFETCH(bool, headers);
         QFETCH(int, size);
         QFETCH(QString, blocks);
-        const QString path = m_dir.filePath("a.pdw");
+        const QString path = scratch("a.pdw");
         {
             PDWFile file(path, true, headers);
             QVERIFY(file.is_open());
@@ -87,24 +78,23 @@ private Q_SLOTS:
     // 64 bytes give two records, then a record of zeros, then the end. Headers come as records.
     void reading()
     {
-        const QString path = writeFile(m_dir.filePath("a.pdw"), QByteArray(64, '\x11'));
+        const QString path = writeFile(scratch("a.pdw"), QByteArray(64, '\x11'));
         PDWFile file(path, false, true);
         QVERIFY(file.is_open());
-        CPackedPDW record;
-        QVector<int> answers;
-        QStringList firstWords;
+        CPackedPDW record = pdw(7);
+        QStringList reads;
         for (int i = 0; i < 5; ++i) {
-            answers << file.getPDW(&record);
-            firstWords << QString::number(qFromLittleEndian<quint32>(record.bytes), 16);
+            const int size = file.getPDW(&record);
+            reads << QStringLiteral("%1:%2").arg(size).arg(
+                qFromLittleEndian<quint32>(record.bytes), 0, 16);
         }
-        QCOMPARE(answers, QVector<int>({ 32, 32, 32, 0, 0 }));
-        QCOMPARE(firstWords.mid(0, 3), QStringList({ "11111111", "11111111", "0" }));
+        QCOMPARE(reads.join(' '), QString("32:11111111 32:11111111 32:0 0:0 0:0"));
     }
 
     // No file: nothing is read or written, and adds past one block are refused.
     void unopenedFile()
     {
-        PDWFile file(m_dir.filePath("no/such/folder/a.pdw"), true, true);
+        PDWFile file(scratch("no/such/folder/a.pdw"), true, true);
         QVERIFY(!file.is_open());
         CPackedPDW record = pdw(1);
         QCOMPARE(file.getPDW(&record), 0);
@@ -112,12 +102,9 @@ private Q_SLOTS:
         for (int i = 0; i < 2500; ++i)
             last = file.addPDW(&record);
         QCOMPARE(last, 1000);
-        PDWFile missing(m_dir.filePath("missing.pdw"), false, false);
+        PDWFile missing(scratch("missing.pdw"), false, false);
         QVERIFY(!missing.is_open() && missing.getPDW(&record) == 0);
     }
-
-private:
-    QTemporaryDir m_dir;
 };
 
 QTEST_GUILESS_MAIN(tst_PDWFile)

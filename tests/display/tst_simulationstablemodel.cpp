@@ -96,123 +96,118 @@ class tst_SimulationsTableModel : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void everyChangeIsOneReset_data();
-    void everyChangeIsOneReset();
-    void readOnlyCellsAndHeader();
-    void viewShowsRowsInStateColours();
-};
+    void everyChangeIsOneReset_data()
+    {
+        columns<QStringList, QString>("steps", "table");
+        row("in order of registration, each state its colour, 7 none",
+            QStringList { "+a A", "+b B", "+c C", "+d D", "+e E", "b=1", "c=2", "d=3", "e=7" },
+            QString("A|pc-a|st-a|RX|@ black; B|pc-b|st-b|RX|@ darkYellow; "
+                    "C|pc-c|st-c|RX|@ darkGreen; D|pc-d|st-d|RX|@ darkRed; E|pc-e|st-e|RX|@ none"));
+        row("an id twice: two rows of the last record", QStringList { "+a Old", "+b B", "+a New" },
+            QString("New|pc-a|st-a|RX|@ black; B|pc-b|st-b|RX|@ black; New|pc-a|st-a|RX|@ black"));
+        row("unregistering removes every row of the id",
+            QStringList { "+a Old", "+b B", "+a New", "b=3", "-a" },
+            QString("B|pc-b|st-b|RX|@ darkRed"));
+        row("unknown id: no row, yet a reset", QStringList { "+a A", "-x", "x=2" },
+            QString("A|pc-a|st-a|RX|@ black"));
+        row("registration starts again at 0",
+            QStringList { "+a A", "a=3", "-a", "+a A", "a=2", "+a A" },
+            QString("A|pc-a|st-a|RX|@ black; A|pc-a|st-a|RX|@ black"));
+        row("all loading", QStringList { "+a A", "+b B", "a=3", "b=7", "x=2", "*" },
+            QString("A|pc-a|st-a|RX|@ darkYellow; B|pc-b|st-b|RX|@ darkYellow"));
+        row("all loading on an empty model", QStringList { "*" }, QString());
+    }
+    // Each step resets once, and the views still read the old table when told of the reset.
+    void everyChangeIsOneReset()
+    {
+        QFETCH(QStringList, steps);
+        QFETCH(QString, table);
+        SimulationsTableModel model;
+        FlatProxy flat;
+        flat.setSourceModel(&model);
+        QAbstractItemModelTester tester(
+            &flat, QAbstractItemModelTester::FailureReportingMode::QtTest);
+        QStringList seenBeforeReset;
+        connect(&model, &QAbstractItemModel::modelAboutToBeReset, this,
+            [&] { seenBeforeReset << flatten(model); });
+        QSignalSpy resets(&model, &QAbstractItemModel::modelReset);
+        QSignalSpy inserts(&model, &QAbstractItemModel::rowsInserted);
+        QSignalSpy changes(&model, &QAbstractItemModel::dataChanged);
 
-void tst_SimulationsTableModel::everyChangeIsOneReset_data()
-{
-    columns<QStringList, QString>("steps", "table");
-    row("in order of registration, each state its colour, 7 none",
-        QStringList { "+a A", "+b B", "+c C", "+d D", "+e E", "b=1", "c=2", "d=3", "e=7" },
-        QString("A|pc-a|st-a|RX|@ black; B|pc-b|st-b|RX|@ darkYellow; "
-                "C|pc-c|st-c|RX|@ darkGreen; D|pc-d|st-d|RX|@ darkRed; E|pc-e|st-e|RX|@ none"));
-    row("an id twice: two rows of the last record", QStringList { "+a Old", "+b B", "+a New" },
-        QString("New|pc-a|st-a|RX|@ black; B|pc-b|st-b|RX|@ black; New|pc-a|st-a|RX|@ black"));
-    row("unregistering removes every row of the id",
-        QStringList { "+a Old", "+b B", "+a New", "b=3", "-a" },
-        QString("B|pc-b|st-b|RX|@ darkRed"));
-    row("unknown id: no row, yet a reset", QStringList { "+a A", "-x", "x=2" },
-        QString("A|pc-a|st-a|RX|@ black"));
-    row("registration starts again at 0",
-        QStringList { "+a A", "a=3", "-a", "+a A", "a=2", "+a A" },
-        QString("A|pc-a|st-a|RX|@ black; A|pc-a|st-a|RX|@ black"));
-    row("all loading", QStringList { "+a A", "+b B", "a=3", "b=7", "x=2", "*" },
-        QString("A|pc-a|st-a|RX|@ darkYellow; B|pc-b|st-b|RX|@ darkYellow"));
-    row("all loading on an empty model", QStringList { "*" }, QString());
-}
+        QStringList before;
+        for (const QString &step : steps) {
+            before << flatten(model);
+            apply(model, step);
+        }
 
-// Each step resets once, and the views still read the old table when told of the reset.
-void tst_SimulationsTableModel::everyChangeIsOneReset()
-{
-    QFETCH(QStringList, steps);
-    QFETCH(QString, table);
-    SimulationsTableModel model;
-    FlatProxy flat;
-    flat.setSourceModel(&model);
-    QAbstractItemModelTester tester(&flat, QAbstractItemModelTester::FailureReportingMode::QtTest);
-    QStringList seenBeforeReset;
-    connect(&model, &QAbstractItemModel::modelAboutToBeReset, this,
-        [&] { seenBeforeReset << flatten(model); });
-    QSignalSpy resets(&model, &QAbstractItemModel::modelReset);
-    QSignalSpy inserts(&model, &QAbstractItemModel::rowsInserted);
-    QSignalSpy changes(&model, &QAbstractItemModel::dataChanged);
-
-    QStringList before;
-    for (const QString &step : steps) {
-        before << flatten(model);
-        apply(model, step);
+        QCOMPARE(flatten(model), table);
+        QCOMPARE(flatten(flat), table);
+        QCOMPARE(seenBeforeReset, before);
+        QCOMPARE(resets.count(), steps.size());
+        QCOMPARE(inserts.count() + changes.count(), 0);
     }
 
-    QCOMPARE(flatten(model), table);
-    QCOMPARE(flatten(flat), table);
-    QCOMPARE(seenBeforeReset, before);
-    QCOMPARE(resets.count(), steps.size());
-    QCOMPARE(inserts.count() + changes.count(), 0);
-}
+    void readOnlyCellsAndHeader()
+    {
+        SimulationsTableModel model;
+        model.registerSimulation(device("a", "Alpha"));
+        model.registerSimulation(device("b", "Bravo"));
+        const QModelIndex cell = model.index(1, 0);
 
-void tst_SimulationsTableModel::readOnlyCellsAndHeader()
-{
-    SimulationsTableModel model;
-    model.registerSimulation(device("a", "Alpha"));
-    model.registerSimulation(device("b", "Bravo"));
-    const QModelIndex cell = model.index(1, 0);
+        QString header;
+        for (auto [orientation, role] : { std::pair { Qt::Horizontal, Qt::DisplayRole },
+                 { Qt::Vertical, Qt::DisplayRole }, { Qt::Horizontal, Qt::ToolTipRole } }) {
+            for (int section = -1; section <= 5; ++section) {
+                const QVariant text = model.headerData(section, orientation, role);
+                header += text.isValid() ? text.toString() + '|' : QStringLiteral("-|");
+            }
+        }
+        QCOMPARE(header,
+            QString("-|Name|Machine|Station|Type|Position|-|" + QString("-|").repeated(14)));
 
-    QString header;
-    for (auto [orientation, role] : { std::pair { Qt::Horizontal, Qt::DisplayRole },
-             { Qt::Vertical, Qt::DisplayRole }, { Qt::Horizontal, Qt::ToolTipRole } }) {
-        for (int section = -1; section <= 5; ++section) {
-            const QVariant text = model.headerData(section, orientation, role);
-            header += text.isValid() ? text.toString() + '|' : QStringLiteral("-|");
+        for (int role : { Qt::EditRole, Qt::ToolTipRole, Qt::DecorationRole, Qt::BackgroundRole })
+            QVERIFY2(!cell.data(role).isValid(), qPrintable(QString::number(role)));
+        QVERIFY(!model.data(QModelIndex(), Qt::DisplayRole).isValid());
+        QVERIFY(!model.setData(cell, QStringLiteral("Changed"), Qt::EditRole));
+        QCOMPARE(cell.data().toString(), QStringLiteral("Bravo"));
+        QCOMPARE(
+            model.flags(cell), Qt::ItemIsSelectable | Qt::ItemIsEnabled | Qt::ItemNeverHasChildren);
+
+        // The counts ignore the parent: a table's cell answers like the root.
+        QCOMPARE(model.rowCount(cell), 2);
+        QCOMPARE(model.columnCount(cell), 5);
+    }
+
+    // Rendered, each row's text has exactly its state's colour, and no other state colour.
+    void viewShowsRowsInStateColours()
+    {
+        SimulationsTableModel model;
+        for (int state = 0; state < StateColours.size(); ++state) {
+            const QString id = QString::number(state);
+            model.registerSimulation(device(id, "MINIMUM HILL " + StateColours.at(state).second));
+            apply(model, id + '=' + id);
+        }
+        QTableView view;
+        view.setModel(&model);
+        view.resize(720, 180);
+        view.resizeColumnsToContents();
+        view.show();
+        const QImage image = view.grab().toImage();
+        QVERIFY(saveArtefact(image, QStringLiteral("simulationstable.png")));
+
+        for (int row = 0; row < model.rowCount(); ++row) {
+            const QRect rect = view.visualRect(model.index(row, 0))
+                                   .united(view.visualRect(model.index(row, 4)))
+                                   .translated(view.viewport()->pos());
+            QSet<QString> found;
+            for (int y = rect.top(); y <= rect.bottom(); ++y)
+                for (int x = rect.left(); x <= rect.right(); ++x)
+                    found << colourName(image.pixelColor(x, y));
+            QCOMPARE(found.intersect({ "black", "darkYellow", "darkGreen", "darkRed" }),
+                QSet<QString> { StateColours.at(row).second });
         }
     }
-    QCOMPARE(
-        header, QString("-|Name|Machine|Station|Type|Position|-|" + QString("-|").repeated(14)));
-
-    for (int role : { Qt::EditRole, Qt::ToolTipRole, Qt::DecorationRole, Qt::BackgroundRole })
-        QVERIFY2(!cell.data(role).isValid(), qPrintable(QString::number(role)));
-    QVERIFY(!model.data(QModelIndex(), Qt::DisplayRole).isValid());
-    QVERIFY(!model.setData(cell, QStringLiteral("Changed"), Qt::EditRole));
-    QCOMPARE(cell.data().toString(), QStringLiteral("Bravo"));
-    QCOMPARE(
-        model.flags(cell), Qt::ItemIsSelectable | Qt::ItemIsEnabled | Qt::ItemNeverHasChildren);
-
-    // The counts ignore the parent: a table's cell answers like the root.
-    QCOMPARE(model.rowCount(cell), 2);
-    QCOMPARE(model.columnCount(cell), 5);
-}
-
-// Rendered, each row's text has exactly its state's colour, and no other state colour.
-void tst_SimulationsTableModel::viewShowsRowsInStateColours()
-{
-    SimulationsTableModel model;
-    for (int state = 0; state < StateColours.size(); ++state) {
-        const QString id = QString::number(state);
-        model.registerSimulation(device(id, "MINIMUM HILL " + StateColours.at(state).second));
-        apply(model, id + '=' + id);
-    }
-    QTableView view;
-    view.setModel(&model);
-    view.resize(720, 180);
-    view.resizeColumnsToContents();
-    view.show();
-    const QImage image = view.grab().toImage();
-    QVERIFY(saveArtefact(image, QStringLiteral("simulationstable.png")));
-
-    for (int row = 0; row < model.rowCount(); ++row) {
-        const QRect rect = view.visualRect(model.index(row, 0))
-                               .united(view.visualRect(model.index(row, 4)))
-                               .translated(view.viewport()->pos());
-        QSet<QString> found;
-        for (int y = rect.top(); y <= rect.bottom(); ++y)
-            for (int x = rect.left(); x <= rect.right(); ++x)
-                found << colourName(image.pixelColor(x, y));
-        QCOMPARE(found.intersect({ "black", "darkYellow", "darkGreen", "darkRed" }),
-            QSet<QString> { StateColours.at(row).second });
-    }
-}
+};
 
 QTEST_MAIN(tst_SimulationsTableModel)
 #include "tst_simulationstablemodel.moc"

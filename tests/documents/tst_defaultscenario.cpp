@@ -13,8 +13,7 @@ namespace {
 
 QByteArray resource()
 {
-    QFile file(QStringLiteral(":/DefaultData/Default.sce.exp"));
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    return contentOf(QStringLiteral(":/DefaultData/Default.sce.exp"));
 }
 
 QString sixDigits(const QString &text)
@@ -124,11 +123,9 @@ private Q_SLOTS:
         if (xmllint.isEmpty())
             QSKIP("xmllint is not installed");
         QTemporaryDir dir;
-        QFile file(dir.filePath(QStringLiteral("saved.scexml")));
-        QVERIFY(file.open(QIODevice::WriteOnly) && file.write(saved) == saved.size());
-        file.close();
+        const QString path = writeFile(dir.filePath(QStringLiteral("saved.scexml")), saved);
         QProcess lint;
-        lint.start(xmllint, { QStringLiteral("--noout"), file.fileName() });
+        lint.start(xmllint, { QStringLiteral("--noout"), path });
         QVERIFY(lint.waitForFinished(30000));
         QCOMPARE(
             lint.readAllStandardError() + QByteArray::number(lint.exitCode()), QByteArray("0"));

@@ -3,6 +3,8 @@
 #include <radiosim/packages/signalpackagefolder.h>
 #include <radiosim/platform/ovzip.h>
 
+#include "testhelpers.h"
+
 #include <QtTest>
 
 using namespace Simulation;
@@ -16,12 +18,6 @@ const QStringList libraryEntries = { "VuH-Default/", "VuH-Default/.library", "Vu
     "VuH-Default/Gauss 10kHz/Signal.xml", "VuH-Default/Rect 10kHz/",
     "VuH-Default/Rect 10kHz/Signal.ssf", "VuH-Default/Rect 10kHz/Signal.wav",
     "VuH-Default/Rect 10kHz/Signal.xml" };
-
-QByteArray contentOf(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("(unreadable)");
-}
 
 // Standard output of a tool nobody here wrote; a failure gives "(failed)".
 QByteArray run(const QString &program, const QStringList &arguments)

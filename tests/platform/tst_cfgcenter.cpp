@@ -1,5 +1,7 @@
 #include <radiosim/platform/cfgcenter.h>
 
+#include "testhelpers.h"
+
 #include <QtTest>
 
 #include <memory>
@@ -19,13 +21,6 @@ Cfg open(const QString &path)
     return cfg;
 }
 
-bool writeFile(const QString &path, const QByteArray &content)
-{
-    QFile file(path);
-    return file.open(QIODevice::WriteOnly | QIODevice::Truncate)
-        && file.write(content) == content.size();
-}
-
 } // namespace
 
 class tst_CfgCenter : public QObject
@@ -38,11 +33,12 @@ private Q_SLOTS:
         QStandardPaths::setTestModeEnabled(true);
         QVERIFY(m_dir.isValid());
         m_file = m_dir.filePath("radiosim.ini");
-        QVERIFY(writeFile(m_file,
+        QVERIFY(!writeFile(m_file,
             "[Simulation]\nSimulationServer=127.0.0.2\nSimulationCache=/var/cache/radiosim\n"
             "Label=Stra\xc3\x9f\x65 \xe6\x9d\xb1\nListed=one, two\nPort=not a number\n\n"
             "[Simulation/Ports]\nSimulationServer=1234\nFraction=2.5\n\n"
-            "[Simulation/SimulationRepository/FileSystem]\nRepository=/srv/repository\n"));
+            "[Simulation/SimulationRepository/FileSystem]\nRepository=/srv/repository\n")
+                     .isEmpty());
         CfgCenter::setConfigurationFile(QString());
         QCOMPARE(CfgCenter::configurationFile(),
             QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation)
@@ -95,7 +91,7 @@ private Q_SLOTS:
         QCOMPARE(reader->GetNumber("Service", 0.0, 0), 57400.0);
         QCOMPARE(reader->GetString("Path", QString(), 0), QStringLiteral("C:\\data, with comma"));
         QCOMPARE(QSettings(file, QSettings::IniFormat).value("Tool/Ports/Service").toInt(), 57400);
-        QVERIFY(writeFile(file, "[Tool/Ports]\nService=1\n"));
+        QVERIFY(!writeFile(file, "[Tool/Ports]\nService=1\n").isEmpty());
         QCOMPARE(reader->GetNumber("Service", 0.0, 0), 1.0);
     }
 

@@ -1,5 +1,7 @@
 #include <radiosim/platform/ovzip.h>
 
+#include "testhelpers.h"
+
 #include <QtTest>
 
 using Entries = QList<QPair<QString, QByteArray>>;
@@ -16,19 +18,6 @@ QStringList filesBelow(const QString &folder)
         found.append(QDir(folder).relativeFilePath(it.next()));
     found.sort();
     return found;
-}
-
-QByteArray contentOf(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("(unreadable)");
-}
-
-QString writeFile(const QString &path, const QByteArray &content)
-{
-    QFile file(path);
-    const bool written = file.open(QIODevice::WriteOnly) && file.write(content) == content.size();
-    return written ? path : QString();
 }
 
 } // namespace

@@ -1,5 +1,7 @@
 #include <radiosim/units/geodesy.h>
 
+#include "testhelpers.h"
+
 #include <QtTest>
 
 using namespace Simulation;
@@ -83,13 +85,10 @@ private Q_SLOTS:
         QVERIFY(copyDir(dir.filePath("missing"), dir.filePath("a/b")));
         QVERIFY(QFileInfo(dir.filePath("a/b")).isDir());
         const QString target = dir.filePath("dst");
-        QFile source(dir.filePath("src/sub/.hidden/data.bin"));
-        QVERIFY(QDir().mkpath(dir.filePath("src/sub/.hidden")) && source.open(QIODevice::WriteOnly)
-            && source.write("payload") == 7);
-        source.close();
+        QVERIFY(QDir().mkpath(dir.filePath("src/sub/.hidden")));
+        QVERIFY(!writeFile(dir.filePath("src/sub/.hidden/data.bin"), "payload").isEmpty());
         QVERIFY(copyDir(dir.filePath("src"), target));
-        QFile copied(target + "/sub/.hidden/data.bin");
-        QVERIFY(copied.open(QIODevice::ReadOnly) && copied.readAll() == "payload");
+        QCOMPARE(contentOf(target + "/sub/.hidden/data.bin"), QByteArray("payload"));
         QVERIFY(!copyDir(dir.filePath("src"), target));
 
         QVERIFY(QFile::link(dir.filePath("src"), target + "/link"));
