@@ -198,6 +198,13 @@ private Q_SLOTS:
         floats = { 1.0f };
         QVERIFY(!wide.readSamples(0, 3, floats) && floats == std::vector<float>({ 1.0f }));
         QVERIFY(!wide.readSamples(0, 3, shorts));
+
+        // More channels than bytes in a frame: refused, and out keeps its size.
+        WaveFileReader broken(writeFile(m_dir.filePath("c.wav"),
+            wave(fmt(1, 61185, 32000, 2, 16) + chunk("data", QByteArray(64, '\x01')))));
+        QVERIFY(broken.open());
+        shorts.assign(5, 0);
+        QVERIFY(!broken.readSamples(0, 3, shorts) && shorts.size() == 5);
     }
 
     // The file loses its samples under an open reader: reads fail, nothing crashes.
