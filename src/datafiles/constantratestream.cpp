@@ -37,19 +37,22 @@ void ConstantRateStream::readInto(uint startMs, uint durationMs, Bytes &out) con
         return;
     quint64 item = quint64(first);
     quint64 remaining = quint64(count);
-    out.reserve(out.size() + remaining * itemSize);
+    // A header may claim far more items than the file holds: no more room than the file's bytes.
+    const qint64 fileBytes = std::max<qint64>(device->size(), 0);
+    out.reserve(out.size() + std::min<qint64>(qint64(remaining) * itemSize, fileBytes));
     while (remaining != 0) {
         quint64 take = remaining;
         if (item + take > itemCount)
             take = item < itemCount ? itemCount - item : 0;
         const qint64 bytes = qint64(take) * itemSize;
         const auto size = out.size();
-        out.resize(size + bytes);
-        if (!device->seek(dataOffset + qint64(item) * itemSize)) {
-            out.resize(size);
+        // Past the end, QFile warns on the console where the file system refuses the offset.
+        const qint64 offset = dataOffset + qint64(item) * itemSize;
+        if (offset > fileBytes || !device->seek(offset))
             return;
-        }
-        const qint64 got = device->read(reinterpret_cast<char *>(out.data()) + size, bytes);
+        const qint64 readable = std::min(bytes, std::max<qint64>(fileBytes - device->pos(), 0));
+        out.resize(size + readable);
+        const qint64 got = device->read(reinterpret_cast<char *>(out.data()) + size, readable);
         if (got != bytes) {
             out.resize(size + std::max<qint64>(got, 0));
             return;

@@ -190,8 +190,11 @@ bool WaveFileReader::readFrames(uint firstFrame, uint frameCount, std::vector<T>
         firstFrame %= frames;
     const qint64 bytes = qint64(d->format.blockAlign) * frameCount;
     const quint64 elements = quint64(d->format.channels) * frameCount;
-    // Frames wider than channels x sizeof(T) would be read past the end of out.
+    // Frames wider than channels x sizeof(T) would be read past the end of out. Every sample
+    // takes a byte at least: more channels than bytes per frame is a broken header, whose
+    // channel count must not size out.
     if (bytes == 0 || quint64(bytes) > elements * sizeof(T)
+        || d->format.channels > d->format.blockAlign
         || !d->file.seek(d->dataOffset + qint64(d->format.blockAlign) * firstFrame))
         return false;
     out.resize(elements);

@@ -1,6 +1,7 @@
 #include "signalpackagefile.h"
 
 #include <radiosim/service/xmlelement.h>
+#include <radiosim/service/xmllimits_p.h>
 
 #include <QDomDocument>
 #include <QDomElement>
@@ -51,6 +52,8 @@ bool SignalPackageFile::signalPackageFile(const SignalPackage &package, const QS
 SignalPackage SignalPackageFile::readSignalPackageDescriptor(const QByteArray &xml)
 {
     SignalPackage package;
+    if (!isModestXml(xml, true))
+        return package;
     QDomDocument document;
     // The verdict is not asked: descriptors of the default data carry stray bytes behind the
     // root, and the tree parsed up to there holds every field.

@@ -200,8 +200,9 @@ void PositionSettingsPtp::updatePoint(int)
         }
         if (next.speed > 0.0) {
             const double ms = std::floor(leg(i).distance / next.speed * 3600.0 * 1000.0);
-            // Through 64 bits: a leg of more than 49 days wraps instead of being undefined.
-            point.transitionTime = uint(quint64(ms));
+            // Through 64 bits: a leg of more than 49 days wraps instead of being undefined. A
+            // time beyond 64 bits (a tiny speed) or none at all (a latitude past the pole) is 0.
+            point.transitionTime = ms >= 0.0 && ms < 18446744073709551616.0 ? uint(quint64(ms)) : 0;
         } else {
             point.transitionTime = 0;
         }

@@ -163,6 +163,21 @@ private Q_SLOTS:
         results.close();
         QVERIFY(results.readResultData(0, 1000).isEmpty() && results.length() == 10000);
     }
+
+    // A header that claims 2^40 items at 10^12 a second: a stretch ends with the file, and no
+    // room is taken for what the header claims.
+    void headerClaimsMoreThanTheFile()
+    {
+        QByteArray symbolBytes = symbolFile(10, 1e12f);
+        symbolBytes.replace(33, 8, le(quint64(1) << 40));
+        QByteArray resultBytes = resultFile(10, 1e12f);
+        resultBytes.replace(16, 8, le(quint64(1) << 40));
+        SymbolDataFile symbols(writeFile(scratch("a.sdf"), symbolBytes));
+        ResultDataFile results(writeFile(scratch("a.rdf"), resultBytes));
+        QVERIFY(symbols.open() && results.open());
+        QCOMPARE(::symbols(symbols.readSymbols(0, 20)), QString("0-8"));
+        QCOMPARE(items(results.readResultData(0, 20)), QString("0-9"));
+    }
 };
 
 QTEST_GUILESS_MAIN(tst_ConstantRateFiles)

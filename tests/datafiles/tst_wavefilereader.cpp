@@ -194,6 +194,12 @@ private Q_SLOTS:
         QCOMPARE(results,
             QStringList({ "1:42,0.9921875,1.9921875,2.984375", "1:128,255", "1:-32768,32767,0,1",
                 "1:-1.00003052,1", "0:9,9,9", "0:1", "0:" }));
+
+        // More channels than bytes in a frame: refused, and out keeps its size.
+        WaveFileReader broken(writeFile(scratch("c.wav"),
+            wave(fmt(1, 61185, 32000, 2, 16) + chunk("data", QByteArray(64, '\x01')))));
+        std::vector<short> shorts(5, 0);
+        QVERIFY(broken.open() && !broken.readSamples(0, 3, shorts) && shorts.size() == 5);
     }
 
     // The file loses its samples under an open reader: reads fail, nothing crashes.

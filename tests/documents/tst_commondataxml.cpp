@@ -75,6 +75,16 @@ private Q_SLOTS:
                        "</Lon><Lat>48</Lat></Position></Movement></P>"),
             QStringLiteral("route INACTIVE [11,48 100+74625 1.56788e-299 'A'; 11.01,48 0+74625; "
                            "11.02,48 0+8509 36 'B'] / P"));
+        row("a speed too small for any time",
+            QByteArray("<P><Movement><Position Major='true' Speed='1'><Lon>0</Lon><Lat>0</Lat>"
+                       "</Position><Position Major='true' Speed='1e-300'><Lon>100</Lon><Lat>10"
+                       "</Lat></Position></Movement></P>"),
+            QStringLiteral("route STOP [0,0 0+0 1 ''; 100,10 0+0 1e-300 ''] / P"));
+        row("a leg past the pole has no time",
+            QByteArray("<P><Movement><Position Major='true' Speed='1'><Lon>0</Lon><Lat>0</Lat>"
+                       "</Position><Position Major='true' Speed='40'><Lon>0</Lon><Lat>96</Lat>"
+                       "</Position></Movement></P>"),
+            QStringLiteral("route STOP [0,0 0+0 1 ''; 0,96 0+0 40 ''] / P"));
         row("numbers out of range, infinite or NaN",
             QByteArray("<P><Movement><Position DWellTime='4294967296' Major='true' Speed='1e400'>"
                        "<Lon>1e400</Lon><Lat>-0x10</Lat></Position><Position TransitionTime='-1'>"

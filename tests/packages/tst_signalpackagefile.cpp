@@ -118,9 +118,17 @@ private Q_SLOTS:
         row("cut in the meta data", defaultDescriptor.left(defaultDescriptor.indexOf("</Author>")),
             QStringLiteral("/Default/Default t1289821292 [/Old/One] "
                            "Default - Gauss 10kHz/ bw0 m0 '' d0 000"));
-        row("10,000 levels deep",
-            QByteArray("<SignalPackage UID='d'>") + QByteArray("<a>").repeated(10000),
-            QStringLiteral("d t0 [] / bw0 m0 '' d0 000"));
+        row("50,000 levels deep: not read",
+            QByteArray("<SignalPackage UID='d'>") + QByteArray("<a>").repeated(50000)
+                + QByteArray("</a>").repeated(50000) + "</SignalPackage>",
+            QStringLiteral(" t0 [] / bw0 m0 '' d0 000"));
+        row("300 entities: not read",
+            "<!DOCTYPE S [" + QByteArray("<!ENTITY e 'x'>").repeated(300)
+                + "]><SignalPackage UID='d'/>",
+            QStringLiteral(" t0 [] / bw0 m0 '' d0 000"));
+        row("much stray markup behind the root: not read",
+            QByteArray("<SignalPackage UID='d'/>") + QByteArray("<a>").repeated(300),
+            QStringLiteral(" t0 [] / bw0 m0 '' d0 000"));
     }
     void read()
     {
