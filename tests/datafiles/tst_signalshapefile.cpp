@@ -55,6 +55,7 @@ private Q_SLOTS:
         QFETCH(bool, opened);
         SignalShapeFile shape(writeFile(m_dir.filePath("a.ssf"), bytes));
         QCOMPARE(shape.version(), 0u);
+        QCOMPARE(shape.recordCount(), 0u);
         QCOMPARE(shape.open(), opened);
         QCOMPARE(shape.isOpen(), opened);
         QCOMPARE(shape.version(), opened ? 2u : 0u);
@@ -84,6 +85,9 @@ private Q_SLOTS:
         QCOMPARE(shape.duration(), 10000u);
         QCOMPARE(shape.bandwidth(), 10000u);
         QCOMPARE(shape.basePower(), 2e-14f);
+        QCOMPARE(shape.recordCount(), 100u);
+        QCOMPARE(shape.recordsPerSecond(), 10u);
+        QCOMPARE(shape.binsPerRecord(), 3u);
         shape.setPackageDuration(packageDuration);
         shape.readSpectrum(ms);
         QCOMPARE(current(shape), record);
