@@ -1,7 +1,10 @@
 #include "commandline.h"
 #include "defaultdata.h"
 
+#include <radiosim/platform/trace.h>
+
 #include <QCoreApplication>
+#include <QLoggingCategory>
 
 #include <cstdio>
 
@@ -15,6 +18,16 @@ void writeLine(FILE *stream, const QString &line)
 }
 
 } // namespace
+
+QString defaultServerAddress()
+{
+    return QStringLiteral("127.0.0.1");
+}
+
+quint16 defaultServerPort()
+{
+    return 57401;
+}
 
 void printLine(const QString &line)
 {
@@ -137,6 +150,21 @@ bool CommandLine::span(const LoadedScenario &scenario, const QString &verb, uint
         return false;
     }
     return true;
+}
+
+void CommandLine::addTraceOption()
+{
+    m_parser.addOption({ QStringLiteral("trace"),
+        QStringLiteral("Show the library's trace of connections and commands.") });
+}
+
+void CommandLine::applyTraceOption() const
+{
+    if (!m_parser.isSet(QStringLiteral("trace")))
+        return;
+    QLoggingCategory::setFilterRules(QStringLiteral("radiosim.trace.debug=true"));
+    ErrorHandler::Instance()->setTraceClasses(
+        ErrorHandler::TraceConnection | ErrorHandler::TraceCommands);
 }
 
 int CommandLine::fail(const QString &message, int status) const

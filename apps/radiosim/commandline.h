@@ -23,6 +23,10 @@ struct LoadedScenario;
 void printLine(const QString &line);
 void printError(const QString &line);
 
+// Where the simulation server is unless told otherwise.
+QString defaultServerAddress();
+quint16 defaultServerPort();
+
 // The command line of one subcommand: its parser, its help, and the reading of numbers, each
 // mistake told in one line on standard error as "radiosim COMMAND: ...".
 class CommandLine
@@ -53,6 +57,10 @@ public:
     // --from and --to, the end by default the scenario's duration; an empty span is reported
     // with what would have been done to it (verb).
     bool span(const LoadedScenario &scenario, const QString &verb, uint &from, uint &to);
+
+    // --trace: the library's trace lines of connections and commands on standard error.
+    void addTraceOption();
+    void applyTraceOption() const;
 
     // Reports message and answers status, for `return fail(...)`.
     int fail(const QString &message, int status = ExitFailure) const;

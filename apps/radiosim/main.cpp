@@ -25,6 +25,9 @@ const Subcommand subcommands[] = {
     { "timeline", "draw who is on air when as a PNG image", runTimeline },
     { "check", "read a scenario and report what the checker repairs", runCheck },
     { "convert", "write a scenario as version 4 XML or as the binary stream", runConvert },
+    { "describe", "show a signal package, descriptor, archive or data file", runDescribe },
+    { "serve", "run a simulation server for devices", runServe },
+    { "device", "run a simulation device against a server", runDevice },
 };
 
 // Trace lines of the library go out when the user switched them on (serve and device have

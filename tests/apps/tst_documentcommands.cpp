@@ -30,6 +30,8 @@ private Q_SLOTS:
     void checkReportsRepairs();
     void convertWritesVersion4ThatPlaysTheSame();
     void convertWritesTheBinaryStream();
+    void describeChecksTheDefaultLibrary();
+    void describeCountsPulseDescriptorWords();
     void timelineDrawsEveryEmitterRow_data();
     void timelineDrawsEveryEmitterRow();
 
@@ -68,8 +70,8 @@ void tst_DocumentCommands::mistakesGiveOneLineAndAStatus_data()
         "radiosim play: /no/such.sce: cannot be opened: No such file or directory");
     row("directory", QStringList { "check", TOOL_TEST_DATA }, 1,
         "radiosim check: " TOOL_TEST_DATA ": cannot be opened: it is a directory");
-    row("wrong root", QStringList { "check", testData("notascenario.xml") }, 1,
-        "radiosim check: " + testData("notascenario.xml")
+    row("wrong root", QStringList { "check", testData("deployment.xml") }, 1,
+        "radiosim check: " + testData("deployment.xml")
             + ": not a scenario: the root element is <SimulationDeployment>, not <Scenario>");
     row("no XML", QStringList { "convert", testData("../CMakeLists.txt"), "-o", "x" }, 1,
         "radiosim convert: " + testData("../CMakeLists.txt")
@@ -95,6 +97,14 @@ void tst_DocumentCommands::mistakesGiveOneLineAndAStatus_data()
         "radiosim convert: no output file: give -o OUT");
     row("unwritable output", QStringList { "convert", small, "-o", "/no/such/dir/x.xml" }, 1,
         "radiosim convert: /no/such/dir/x.xml: cannot be written: ");
+    row("describe nothing", QStringList { "describe", "/no/such" }, 1,
+        "radiosim describe: /no/such: cannot be opened: No such file or directory");
+    row("describe a scenario", QStringList { "describe", small }, 1,
+        "radiosim describe: " + small
+            + ": not a package, descriptor, zip archive or signal data "
+              "file");
+    row("describe an empty folder", QStringList { "describe", TOOL_TEST_DATA }, 1,
+        "radiosim describe: " TOOL_TEST_DATA ": holds no signal package");
     row("no picture", QStringList { "timeline" }, 64,
         "radiosim timeline: no picture file: give --png FILE");
     row("rows too thin", QStringList { "timeline", small, "--png", "a.png", "--height", "120" }, 64,
@@ -249,6 +259,35 @@ void tst_DocumentCommands::convertWritesTheBinaryStream()
     QCOMPARE(emitters,
         QStringList({ "A Alpha, the first 1 %%NONE%%", "B Bravo 0 %%NONE%%",
             "N1 Net one 0 %%NONE%%", "N2 Net two 0 %%NONE%%" }));
+}
+
+// The checksums in the descriptors were computed by the library's generator, the CRC-32 here by
+// zlib: they agree for every data file.
+void tst_DocumentCommands::describeChecksTheDefaultLibrary()
+{
+    RUN_TOOL(run, 0, { "describe" });
+    QVERIFY2(run.out.contains(QRegularExpression("^library \\S+/VuH-Default: 3 packages\n")),
+        qPrintable(run.out));
+    QCOMPARE(run.out.count(", as the descriptor says\n"), 6);
+    QCOMPARE(run.out.count("    id: /Default/"), 3);
+    QCOMPARE(run.out.count("    100 records of 512 bins, 10 a second: 10000 ms\n"), 2);
+    QCOMPARE(run.out.count("    100 records of 256 bins, 10 a second: 10000 ms\n"), 1);
+    QCOMPARE(run.out.count("    95990 frames: 2999 ms\n"), 3);
+    QCOMPARE(run.out.count("    playable as package audio (mono, 32000 Hz)\n"), 3);
+}
+
+// Three records behind a block header, written by hand.
+void tst_DocumentCommands::describeCountsPulseDescriptorWords()
+{
+    QByteArray bytes(4 * 32, '\x11');
+    bytes.replace(0, 4, QByteArray::fromHex("726574fb"));
+    QFile file(m_dir.filePath("pulses.pdw"));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write(bytes);
+    file.close();
+    RUN_TOOL(run, 0, { "describe", file.fileName() });
+    QVERIFY2(run.out.endsWith("    pulse descriptor words: 3 records of 32 bytes in 1 blocks\n"),
+        qPrintable(run.out));
 }
 
 void tst_DocumentCommands::timelineDrawsEveryEmitterRow_data()
