@@ -70,26 +70,6 @@ void appendEmission(EmissionSettings *settings, qint64 start, qint64 duration,
     settings->addEmission(emission);
 }
 
-// The emitter named by an emission, asked of the document once per run of equal names: a
-// timetable names its own emitter entry after entry.
-class EmitterNames
-{
-public:
-    template <typename Resolve>
-    std::shared_ptr<SzenarioEmitter> resolve(const QStringRef &id, const Resolve &emitterForId)
-    {
-        if (!m_emitter || id != m_id) {
-            m_id = id.toString();
-            m_emitter = emitterForId(m_id);
-        }
-        return m_emitter;
-    }
-
-private:
-    QString m_id;
-    std::shared_ptr<SzenarioEmitter> m_emitter;
-};
-
 } // namespace
 
 ScenarioDataXml::ScenarioDataXml(ISignalPackageProvider *provider)
@@ -410,9 +390,6 @@ void ScenarioDataXml::readEmissionSettings(EmissionSettings *settings, QXmlStrea
     settings->setDuration(documentUInt(attributes.value(Tag::Duration)));
     settings->setBroadcast(attributes.value(Tag::Broadcast).toString().toLower() == Tag::True);
 
-    EmitterNames emitters;
-    const auto emitterForPlainId
-        = [this](const QString &id) { return emitterForId(id, EmitterPlain); };
     while (reader.readNextStartElement()) {
         if (reader.name() == Tag::Groups) {
             readGroups(settings, reader);
@@ -427,7 +404,7 @@ void ScenarioDataXml::readEmissionSettings(EmissionSettings *settings, QXmlStrea
         emission->id = documentUInt(entry.value(Tag::ID));
         emission->start = documentUInt(entry.value(Tag::StartTime));
         emission->duration = documentUInt(entry.value(Tag::Duration));
-        emission->emitter = emitters.resolve(entry.value(Tag::Emitter), emitterForPlainId);
+        emission->emitter = emitterForId(entry.value(Tag::Emitter).toString(), EmitterPlain);
         if (m_provider)
             emission->signalPackage
                 = m_provider->signalPackage(entry.value(Tag::SignalPackage).toString());

@@ -1,217 +1,170 @@
 #pragma once
 
-#include <radiosim/packages/signalpackage.h>
-#include <radiosim/packages/signalpackageprovider.h>
+#include <radiosim/documents/scenariodataxml.h>
 #include <radiosim/scenario/cast.h>
-#include <radiosim/scenario/frequencysettings.h>
-#include <radiosim/scenario/positionsettings.h>
 
+#include "generatedscenario.h"
 #include "testhelpers.h"
 
-#include <QHash>
-#include <QSet>
-#include <QStringList>
-
 #include <algorithm>
-#include <memory>
 #include <vector>
 
-// Knows the packages it was given and answers anything else with its default package, as the
-// cache does; counts what it was asked.
-class FakeProvider : public Simulation::ISignalPackageProvider
-{
-public:
-    explicit FakeProvider(const QStringList &ids = { QStringLiteral("/Default/Default") })
-    {
-        for (const QString &id : ids) {
-            auto package = std::make_shared<Simulation::SignalPackage>();
-            package->setId(id);
-            packages.insert(id, package);
-        }
-        fallback = packages.value(ids.value(0));
-    }
-    bool validSignalPackageId(const QString &id) override { return packages.contains(id); }
-    std::shared_ptr<Simulation::SignalPackage> signalPackage(const QString &id) override
-    {
-        ++asked;
-        return packages.value(id, fallback);
-    }
-    std::shared_ptr<Simulation::SignalPackage> defaultSignalPackage() override { return fallback; }
-    Simulation::SignalShapeFile *signalShapeFile(
-        std::shared_ptr<Simulation::SignalPackage>) override
-    {
-        return nullptr;
-    }
-    Simulation::AudioFile *audioFile(std::shared_ptr<Simulation::SignalPackage>) override
-    {
-        return nullptr;
-    }
-    Simulation::SymbolDataFile *symbolDataFile(std::shared_ptr<Simulation::SignalPackage>) override
-    {
-        return nullptr;
-    }
-    Simulation::ResultDataFile *resultDataFile(std::shared_ptr<Simulation::SignalPackage>) override
-    {
-        return nullptr;
-    }
-
-    QHash<QString, std::shared_ptr<Simulation::SignalPackage>> packages;
-    std::shared_ptr<Simulation::SignalPackage> fallback;
-    int asked = 0;
-};
+namespace Simulation {
 
 inline QString num(double value)
 {
     return QString::number(value, 'g', 6);
 }
 
-inline QString endText(Simulation::EndBehaviourType value)
+inline QString endText(EndBehaviourType value)
 {
-    static const char *const names[] = { "STOP", "RESTART", "INACTIVE" };
-    return QLatin1String(uint(value) < 3 ? names[value] : "?");
+    return QStringList { "STOP", "RESTART", "INACTIVE" }.value(value, QStringLiteral("?"));
 }
 
 // "fixed 8e+07", "chirp 1.5e+07-1.7e+07/2000+0.25", "fast 4.45e+07-4.65e+07 n1000 r100 s0+0.5",
 // "slow STOP 1.4e+07/30000 ...", "none".
-inline QString describeFrequency(const Simulation::IFrequencySettings *settings)
+inline QString describeFrequency(const IFrequencySettings *f)
 {
-    using namespace Simulation;
-    if (!settings)
-        return QStringLiteral("none");
-    if (const auto *chirp = dynamic_cast<const FrequencySettings_Chirp *>(settings))
+    if (const auto *c = dynamic_cast<const FrequencySettings_Chirp *>(f))
         return QStringLiteral("chirp %1-%2/%3+%4")
-            .arg(num(chirp->getStartFrequency()), num(chirp->getStopFrequency()))
-            .arg(chirp->getDuration())
-            .arg(num(chirp->getTimeslotOffset()));
-    if (const auto *fast = dynamic_cast<const FrequencySettings_FastHopper *>(settings))
+            .arg(num(c->getStartFrequency()), num(c->getStopFrequency()))
+            .arg(c->getDuration())
+            .arg(num(c->getTimeslotOffset()));
+    if (const auto *h = dynamic_cast<const FrequencySettings_FastHopper *>(f))
         return QStringLiteral("fast %1-%2 n%3 r%4 s%5+%6")
-            .arg(num(fast->getMinimumFrequency()), num(fast->getMaximumFrequency()))
-            .arg(fast->getHoppCount())
-            .arg(fast->getHoppRate())
-            .arg(fast->getHoppSet())
-            .arg(num(fast->getTimeslotOffset()));
-    if (const auto *slow = dynamic_cast<const FrequencySettings_SlowHopper *>(settings)) {
-        QString text = QStringLiteral("slow ") + endText(slow->getEndBehavior());
-        for (const FrequencyStep &step : slow->getFrequencySteps())
+            .arg(num(h->getMinimumFrequency()), num(h->getMaximumFrequency()))
+            .arg(h->getHoppCount())
+            .arg(h->getHoppRate())
+            .arg(h->getHoppSet())
+            .arg(num(h->getTimeslotOffset()));
+    if (const auto *s = dynamic_cast<const FrequencySettings_SlowHopper *>(f)) {
+        QString text = QStringLiteral("slow ") + endText(s->getEndBehavior());
+        for (const FrequencyStep &step : s->getFrequencySteps())
             text += QStringLiteral(" %1/%2").arg(num(step.frequency)).arg(step.duration);
         return text;
     }
-    return QStringLiteral("fixed ") + num(settings->getCenterFrequency());
+    return f ? QStringLiteral("fixed ") + num(f->getCenterFrequency()) : QStringLiteral("none");
 }
 
-inline QString describePoint(const Simulation::MovementPoint &point)
+inline QString describePoint(const MovementPoint &p)
 {
     QString text = QStringLiteral("%1,%2 %3+%4")
-                       .arg(QString::number(point.position.lon, 'g', 14),
-                           QString::number(point.position.lat, 'g', 14))
-                       .arg(point.dwellTime)
-                       .arg(point.transitionTime);
-    if (point.major)
-        text += QStringLiteral(" %1 '%2'").arg(num(point.speed), point.name);
-    return text;
+                       .arg(QString::number(p.position.lon, 'g', 14),
+                           QString::number(p.position.lat, 'g', 14))
+                       .arg(p.dwellTime)
+                       .arg(p.transitionTime);
+    return p.major ? text + QStringLiteral(" %1 '%2'").arg(num(p.speed), p.name) : text;
 }
 
-// "at 11.4,48.2" or "route INACTIVE [points; ...]", "none".
-inline QString describePosition(const Simulation::IPositionSettings *settings)
+// "at 11.4,48.2", "route INACTIVE [points; ...]" or "none".
+inline QString describePosition(const IPositionSettings *p)
 {
-    using namespace Simulation;
-    if (!settings)
-        return QStringLiteral("none");
-    if (const auto *route = dynamic_cast<const PositionSettingsPtp *>(settings)) {
+    if (const auto *route = dynamic_cast<const PositionSettingsPtp *>(p)) {
         QStringList points;
         for (const MovementPoint &point : route->getMovments())
             points << describePoint(point);
         return QStringLiteral("route %1 [%2]")
             .arg(endText(route->getEndBehavior()), points.join(QStringLiteral("; ")));
     }
-    return QStringLiteral("at %1,%2")
-        .arg(QString::number(settings->getPosition().lon, 'g', 14),
-            QString::number(settings->getPosition().lat, 'g', 14));
+    return p ? QStringLiteral("at %1,%2")
+                   .arg(QString::number(p->getPosition().lon, 'g', 14),
+                       QString::number(p->getPosition().lat, 'g', 14))
+             : QStringLiteral("none");
 }
 
-// "B600000: 0+600000>EM01@/Default/Default#0 | 0[e0 e1 g1]": broadcast or manual (M), the
-// period, each entry with emitter, package and id, then each group with members and subgroups.
-inline QString describeTimetable(const Simulation::EmissionSettings *settings)
+// "B600000: 0+600000>EM01@/Default/Default#0 | 0[e0 e- g1]": broadcast (B) or not (M), the
+// period, the entries with emitter, package and id, then the groups with members and subgroups.
+inline QString describeTimetable(const EmissionSettings *settings)
 {
     QStringList entries;
-    for (const auto &emission : settings->emissions())
+    for (const auto &e : settings->emissions())
         entries << QStringLiteral("%1+%2>%3@%4#%5")
-                       .arg(emission->start)
-                       .arg(emission->duration)
-                       .arg(emission->emitter ? emission->emitter->id() : QStringLiteral("-"),
-                           emission->signalPackage ? emission->signalPackage->id()
-                                                   : QStringLiteral("-"))
-                       .arg(emission->id);
-    QStringList groups;
+                       .arg(e->start)
+                       .arg(e->duration)
+                       .arg(e->emitter ? e->emitter->id() : QStringLiteral("-"),
+                           e->signalPackage ? e->signalPackage->id() : QStringLiteral("-"))
+                       .arg(e->id);
+    QString text = QStringLiteral("%1%2: %3")
+                       .arg(QLatin1Char(settings->isBroadcast() ? 'B' : 'M'))
+                       .arg(settings->duration())
+                       .arg(entries.join(QLatin1Char(' ')));
     for (const auto &group : settings->groups()) {
         QStringList parts;
         for (const auto &member : group->members)
             parts << (member ? QStringLiteral("e%1").arg(member->id) : QStringLiteral("e-"));
         for (const auto &sub : group->subGroups)
             parts << QStringLiteral("g%1").arg(sub->id);
-        groups << QStringLiteral("%1[%2]").arg(group->id).arg(parts.join(QLatin1Char(' ')));
+        text += QStringLiteral(" | %1[%2]").arg(group->id).arg(parts.join(QLatin1Char(' ')));
     }
-    QString text = QStringLiteral("%1%2: %3")
-                       .arg(QLatin1Char(settings->isBroadcast() ? 'B' : 'M'))
-                       .arg(settings->duration())
-                       .arg(entries.join(QLatin1Char(' ')));
-    if (!groups.isEmpty())
-        text += QStringLiteral(" | ") + groups.join(QLatin1Char(' '));
     return text;
 }
 
-// Everything of an emitter that a document carries, effective settings as a writer sees them.
-inline QString describeEmitter(const std::shared_ptr<Simulation::SzenarioEmitter> &emitter)
+// The fields of an emitter as a document carries them, effective settings as a writer sees them.
+inline QStringList emitterFields(const std::shared_ptr<SzenarioEmitter> &e)
 {
-    using namespace Simulation;
-    const TransmitterSettings *tx = emitter->getTranmitterSettings();
-    QString text
-        = QStringLiteral("%1%2 '%3'%4 class '%5' desc '%6' | tx %7 %8 %9 %10 %11")
-              .arg(emitter->type() == ScenarioObject::ObjectElintEmitter ? QStringLiteral("elint ")
-                                                                         : QString(),
-                  emitter->id(), emitter->name(),
-                  emitter->isActive() ? QString() : QStringLiteral(" off"), emitter->getClass(),
-                  emitter->description())
-              .arg(num(tx->getPower()), tx->getAntennaType(), num(tx->getAntennaGain()),
-                  num(tx->getAntennaHeight()), num(tx->getAntennaDirection()));
-    if (emitter->isLinked())
-        text += QStringLiteral(" | link ") + emitter->linkTargetEmitter()->id();
-    if (emitter->hasNetwork())
-        text += QStringLiteral(" | net ") + emitter->network()->id();
-    text += QStringLiteral(" | ") + describeFrequency(emitter->getFrequencySettings());
-    if (!emitter->hasNetwork())
-        text += QStringLiteral(" | ") + describeTimetable(emitter->emissionSettings());
-    return text + QStringLiteral(" | ") + describePosition(emitter->getPositionSettings());
+    const TransmitterSettings *tx = e->getTranmitterSettings();
+    return { e->type() == ScenarioObject::ObjectElintEmitter ? "elint" : "", "'" + e->name() + "'",
+        e->isActive() ? "" : "off", "class=" + e->getClass(), "desc=" + e->description(),
+        QStringLiteral("tx=%1/%2/%3/%4/%5")
+            .arg(num(tx->getPower()), tx->getAntennaType(), num(tx->getAntennaGain()),
+                num(tx->getAntennaHeight()), num(tx->getAntennaDirection())),
+        e->isLinked() ? "link=" + e->linkTargetEmitter()->id() : "",
+        e->hasNetwork() ? "net=" + e->network()->id() : "",
+        describeFrequency(e->getFrequencySettings()),
+        e->hasNetwork() ? "" : describeTimetable(e->emissionSettings()),
+        describePosition(e->getPositionSettings()) };
 }
 
-inline QString describeNetwork(const std::shared_ptr<Simulation::ScenarioNetwork> &network)
+// The id and what differs from a new emitter, so that a line says only what was read:
+// "A 'Alpha' off class=Emitter-White.ico fixed 8e+07".
+inline QString describeEmitter(const std::shared_ptr<SzenarioEmitter> &emitter)
+{
+    static const QStringList defaults
+        = emitterFields(std::make_shared<SzenarioEmitter>(QString(), QString()));
+    const QStringList fields = emitterFields(emitter);
+    QStringList text { emitter->id() };
+    for (int i = 0; i < fields.size(); ++i) {
+        if (fields[i] != defaults[i] && !fields[i].isEmpty())
+            text << fields[i];
+    }
+    return text.join(QLatin1Char(' '));
+}
+
+inline QString describeNetwork(const std::shared_ptr<ScenarioNetwork> &network)
 {
     QStringList members;
     for (const auto &member : network->emitter())
         members << member->id();
-    std::sort(members.begin(), members.end());
+    members.sort();
     const auto head = network->headEmitter();
-    return QStringLiteral("net %1 '%2'%3 desc '%4' %5 %6 head %7 [%8] | %9 | %10")
-        .arg(network->id(), network->name(),
-            network->isActive() ? QString() : QStringLiteral(" off"), network->description(),
+    return QStringLiteral("net %1 '%2'%3 %4 %5 head=%6 [%7] %8 | %9")
+        .arg(network->id(), network->name(), network->isActive() ? "" : " off",
             network->color().isValid() ? network->color().name() : QStringLiteral("invalid"),
-            network->networkType() == Simulation::NetworkHierarchical ? QStringLiteral("H")
-                                                                      : QStringLiteral("S"),
-            head ? head->id() : QStringLiteral("-"), members.join(QLatin1Char(' ')))
-        .arg(describeFrequency(network->frequencySettings()),
+            network->networkType() == NetworkHierarchical ? "H" : "S", head ? head->id() : "-",
+            members.join(QLatin1Char(' ')), describeFrequency(network->frequencySettings()),
             describeTimetable(network->emissionSettings()));
 }
 
-// One line per object, sorted by id, so that one comparison checks a whole scenario.
-inline QStringList describeScenario(
-    const QSet<std::shared_ptr<Simulation::ScenarioObject>> &objects)
+// One line per object, sorted, so that one comparison checks a whole scenario.
+inline QStringList describeScenario(const Objects &objects)
 {
     QStringList lines;
-    for (const auto &emitter : Simulation::Cast::emitter(objects))
+    for (const auto &emitter : Cast::emitter(objects))
         lines << describeEmitter(emitter);
-    for (const auto &network : Simulation::Cast::networks(objects))
+    for (const auto &network : Cast::networks(objects))
         lines << describeNetwork(network);
     lines.sort();
+    return lines;
+}
+
+// Reads the bytes into a new document, describes its objects and releases them.
+inline QStringList readObjects(const QByteArray &xml, ISignalPackageProvider *provider = nullptr)
+{
+    ScenarioDataXml document(provider);
+    document.fromXml(xml);
+    const Objects objects = document.scenarioObjects();
+    const QStringList lines = describeScenario(objects);
+    releaseScenario(objects);
     return lines;
 }
 
@@ -219,99 +172,18 @@ inline QStringList describeScenario(
 class Survivors
 {
 public:
-    explicit Survivors(const QSet<std::shared_ptr<Simulation::ScenarioObject>> &objects)
+    explicit Survivors(const Objects &objects)
+        : m_watched(objects.begin(), objects.end())
     {
-        for (const auto &object : objects)
-            m_watched.push_back(object);
     }
-    int count() const
+    long count() const
     {
-        return int(std::count_if(m_watched.begin(), m_watched.end(),
-            [](const std::weak_ptr<Simulation::ScenarioObject> &object) {
-                return !object.expired();
-            }));
+        return std::count_if(m_watched.begin(), m_watched.end(),
+            [](const std::weak_ptr<ScenarioObject> &object) { return !object.expired(); });
     }
 
 private:
-    std::vector<std::weak_ptr<Simulation::ScenarioObject>> m_watched;
+    std::vector<std::weak_ptr<ScenarioObject>> m_watched;
 };
 
-// A scenario the way an editor builds one: `emitters` emitters with `entries` timetable entries
-// each, every tenth on a five-point route; with `networks`, that many networks of five members
-// with a shared timetable, and every seventh emitter linked to the one before it. Times are
-// whole seconds so that every value survives six significant digits.
-inline QSet<std::shared_ptr<Simulation::ScenarioObject>> generatedScenario(int emitters,
-    int entries, int networks, const std::shared_ptr<Simulation::SignalPackage> &package)
-{
-    using namespace Simulation;
-    QSet<std::shared_ptr<ScenarioObject>> objects;
-    QVector<std::shared_ptr<SzenarioEmitter>> all;
-    for (int i = 0; i < emitters; ++i) {
-        const auto emitter = std::make_shared<SzenarioEmitter>(
-            QStringLiteral("E%1").arg(i), QStringLiteral("Emitter %1").arg(i));
-        emitter->setClass(QStringLiteral("Emitter-White.ico"));
-        emitter->setDescription(QStringLiteral("generated"));
-        auto *fixed = new FrequencySettingsFixed;
-        fixed->setCenterFrequency(3e7 + 25000.0 * (i % 4000));
-        emitter->setFrequencySettings(fixed);
-        const TPos at { 11.0 + (i % 100) * 0.01, 48.0 + (i / 100) * 0.001 };
-        if (i % 10 == 0) {
-            auto *route = new PositionSettingsPtp(at, 0.01);
-            QVector<MovementPoint> points;
-            for (int k = 0; k < 5; ++k) {
-                MovementPoint point;
-                point.position = { at.lon + 0.01 * k, at.lat + 0.005 * (k % 2) };
-                point.major = k % 2 == 0;
-                point.speed = 30.0 + k;
-                point.dwellTime = point.major ? 1000u * k : 0u;
-                point.name = point.major ? QStringLiteral("P%1").arg(k) : QString();
-                points << point;
-            }
-            route->setMovements(points);
-            route->setEndBehavior(EndBehaviourType(i % 3));
-            emitter->setPositionSettings(route);
-        } else {
-            emitter->setPositionSettings(new PositionSettingsFixed(at));
-        }
-        EmissionSettings *timetable = emitter->emissionSettings();
-        timetable->setDuration(qint64(entries) * 10000);
-        for (int k = 0; k < entries; ++k) {
-            auto emission = timetable->createEmission();
-            emission->start = qint64(k) * 10000;
-            emission->duration = 4000 + (i % 5) * 1000;
-            emission->emitter = emitter;
-            emission->signalPackage = package;
-            timetable->addEmission(emission);
-        }
-        all << emitter;
-        objects.insert(emitter);
-    }
-    for (int i = 7; i < emitters; i += 7) {
-        all[i]->setLinkTargetEmitter(all[i - 1]);
-        all[i - 1]->addLinkedEmitter(all[i]);
-    }
-    for (int n = 0; n < networks && 5 * n + 5 <= emitters; ++n) {
-        const auto network = std::make_shared<ScenarioNetwork>(QStringLiteral("N%1").arg(n));
-        network->setName(QStringLiteral("Network %1").arg(n));
-        network->setColor(QColor(QStringLiteral("#006400")));
-        EmissionSettings *timetable = network->emissionSettings();
-        timetable->setDuration(50000);
-        auto group = timetable->createGroup();
-        for (int k = 0; k < 5; ++k) {
-            const auto member = all[5 * n + k];
-            network->addEmitter(member);
-            member->setScenarioNetwork(network);
-            auto emission = timetable->createEmission();
-            emission->start = k * 10000;
-            emission->duration = 5000;
-            emission->emitter = member;
-            emission->signalPackage = package;
-            timetable->addEmission(emission);
-            group->members << emission;
-        }
-        network->setHeadEmitter(network->emitterList().value(0));
-        timetable->addGroup(group);
-        objects.insert(network);
-    }
-    return objects;
-}
+} // namespace Simulation

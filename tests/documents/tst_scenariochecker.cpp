@@ -1,5 +1,4 @@
 #include <radiosim/documents/scenariochecker.h>
-#include <radiosim/documents/scenariodataxml.h>
 
 #include "documentstesthelpers.h"
 
@@ -7,54 +6,36 @@
 
 using namespace Simulation;
 
-namespace {
-
-// The flags in one word: packages, classes, settings.
-QString flags(const ScenarioChecker &checker)
-{
-    return QStringLiteral("%1%2%3")
-        .arg(checker.hadInvalidSignalPackages() ? 'P' : '-')
-        .arg(checker.hadInvalidClasses() ? 'C' : '-')
-        .arg(checker.hadNullPointerSettings() ? 'S' : '-');
-}
-
-} // namespace
-
 class tst_ScenarioChecker : public QObject
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    // What a pass finds and mends, read from documents as a client would load them.
+    // What a pass finds and mends in documents as a client loads them; the flags as packages,
+    // classes, settings.
     void checkAndFix_data()
     {
         columns<QByteArray, bool, QString, QStringList>("xml", "provider", "flags", "repaired");
-        const QByteArray clean = "<Emitter ID='A'><EmissionSettings Duration='10'><Emission "
-                                 "StartTime='1' Duration='2' Emitter='A' SignalPackage='/P'/>"
-                                 "</EmissionSettings></Emitter>";
         row("empty", QByteArray(), true, QStringLiteral("---"), QStringList());
-        row("clean", clean, true, QStringLiteral("---"),
-            QStringList { "A '' class '' desc '' | tx 1 Default 0 2 0 | fixed 2.5e+07 | "
-                          "M10: 1+2>A@/P#0 | at 0,0" });
+        row("clean",
+            QByteArray("<Emitter ID='A'><EmissionSettings Duration='10'><Emission StartTime='1' "
+                       "Emitter='A' SignalPackage='/P'/></EmissionSettings></Emitter>"),
+            true, QStringLiteral("---"), QStringList { "A M10: 1+0>A@/P#0" });
         // An older file that names its package too late leaves the emissions without one.
-        const QByteArray unpackaged = "<Emitter ID='A'><Timing><Manual><Activity "
-                                      "InactiveDuration='1' ActiveDuration='2'/></Manual></Timing>"
-                                      "<SignalPackage>/P</SignalPackage><Frequency/><Position/>"
-                                      "</Emitter>";
-        row("no package, no frequency, no position", unpackaged, true, QStringLiteral("P-S"),
-            QStringList { "A '' class '' desc '' | tx 1 Default 0 2 0 | fixed 2.5e+07 | "
-                          "M3: 1+2>A@/Default/Default#0 | at 0,0" });
+        const QByteArray unpackaged
+            = "<Emitter ID='A'><Timing><Manual><Activity ActiveDuration='2'/>"
+              "</Manual></Timing><SignalPackage>/P</SignalPackage>"
+              "<Frequency/><Position/></Emitter>";
+        row("no package, frequency or position", unpackaged, true, QStringLiteral("P-S"),
+            QStringList { "A M2: 0+2>A@/Default/Default#0" });
         row("without a provider the package stays empty", unpackaged, false, QStringLiteral("P-S"),
-            QStringList { "A '' class '' desc '' | tx 1 Default 0 2 0 | fixed 2.5e+07 | "
-                          "M3: 1+2>A@-#0 | at 0,0" });
+            QStringList { "A M2: 0+2>A@-#0" });
         row("a network without frequency, seen by its member too",
-            QByteArray("<Network ID='N'><Frequency/><EmissionSettings Duration='5'><Emission "
-                       "StartTime='0' Duration='1' Emitter='M' SignalPackage='/P'/>"
-                       "</EmissionSettings><Emitter>M</Emitter></Network>"),
-            true, QStringLiteral("--S"),
-            QStringList {
-                "M '' class '' desc '' | tx 1 Default 0 2 0 | net N | fixed 2.5e+07 | at 0,0",
-                "net N '' desc '' #ff0000 S head M [M] | fixed 2.5e+07 | M5: 0+1>M@/P#0" });
+            QByteArray("<Network ID='N'><Frequency/><Emitter>M</Emitter></Network>"), true,
+            QStringLiteral("--S"),
+            QStringList { "M net=N",
+                "net N '' #ff0000 S head=M [M] fixed 2.5e+07 | "
+                "M9223372036854775807: " });
     }
     void checkAndFix()
     {
@@ -65,20 +46,24 @@ private Q_SLOTS:
         FakeProvider packages({ "/Default/Default", "/P" });
         ScenarioDataXml document(&packages);
         document.fromXml("<Scenario>" + xml + "</Scenario>");
-        const auto objects = document.scenarioObjects();
+        const Objects objects = document.scenarioObjects();
+        ISignalPackageProvider *given = provider ? &packages : nullptr;
+        const auto run = [&objects, given](ScenarioChecker &checker) {
+            const bool found = checker.checkAndFixScenario(objects, given);
+            return QStringLiteral("%1%2%3%4")
+                .arg(found ? "found " : "")
+                .arg(checker.hadInvalidSignalPackages() ? 'P' : '-')
+                .arg(checker.hadInvalidClasses() ? 'C' : '-')
+                .arg(checker.hadNullPointerSettings() ? 'S' : '-');
+        };
         ScenarioChecker checker;
-        QCOMPARE(checker.checkAndFixScenario(objects, provider ? &packages : nullptr),
-            flags != QStringLiteral("---"));
-        QCOMPARE(::flags(checker), flags);
+        const QString report = (flags == "---" ? "" : "found ") + flags;
+        QCOMPARE(run(checker), report);
         QCOMPARE(describeScenario(objects), repaired);
-
-        // The flags stay with the checker; a new one sees what is left.
-        QCOMPARE(checker.checkAndFixScenario(objects, provider ? &packages : nullptr),
-            flags != QStringLiteral("---"));
+        // The flags stay with the checker; a new one sees only what is left.
+        QCOMPARE(run(checker), report);
         ScenarioChecker fresh;
-        QCOMPARE(fresh.checkAndFixScenario(objects, provider ? &packages : nullptr),
-            !provider && flags.startsWith(QLatin1Char('P')));
-        QCOMPARE(::flags(fresh).mid(1), QStringLiteral("--"));
+        QCOMPARE(run(fresh), !provider && flags.startsWith('P') ? "found P--" : "---");
         releaseScenario(objects);
     }
 
@@ -90,18 +75,18 @@ private Q_SLOTS:
                                     "</Emitter><Emitter ID='B'/><Network ID='N'><EmissionSettings>"
                                     "<Emission Emitter='B' SignalPackage='/P'/></EmissionSettings>"
                                     "</Network></Scenario>"));
-        const auto objects = document.scenarioObjects();
+        const Objects objects = document.scenarioObjects();
         ScenarioChecker checker;
         QVERIFY(checker.scenarioUsesClass(QStringLiteral("Emitter-Red.ico"), objects));
         QVERIFY(checker.scenarioUsesClass(QString(), objects));
         QVERIFY(!checker.scenarioUsesClass(QStringLiteral("emitter-red.ico"), objects));
-        QVERIFY(checker.scenarioUsesSignalPackage(packages.packages.value("/P"), objects));
+        const Package used = packages.packages.value("/P");
+        QVERIFY(checker.scenarioUsesSignalPackage(used, objects));
         QVERIFY(!checker.scenarioUsesSignalPackage(packages.fallback, objects));
-        // An equal package that is another object is not used.
-        QVERIFY(!checker.scenarioUsesSignalPackage(
-            std::make_shared<SignalPackage>(*packages.packages.value("/P")), objects));
+        // By object: an equal copy is not used.
+        QVERIFY(
+            !checker.scenarioUsesSignalPackage(std::make_shared<SignalPackage>(*used), objects));
         QVERIFY(!checker.scenarioUsesSignalPackage(nullptr, objects));
-        QCOMPARE(flags(checker), QStringLiteral("---"));
         releaseScenario(objects);
     }
 };

@@ -1,6 +1,6 @@
 #include <radiosim/documents/scenariodatabinary.h>
 
-#include "documentstesthelpers.h"
+#include "testhelpers.h"
 
 #include <QBuffer>
 #include <QDataStream>
@@ -11,21 +11,15 @@ using namespace Simulation;
 namespace {
 
 // A QString as the stream holds it: 32-bit length in bytes, then UTF-16, both big-endian;
-// 0xffffffff for the null string.
+// 0xffffffff for the null string. Latin-1 text only.
 QByteArray text(const char *value)
 {
     if (!value)
-        return QByteArray("\xff\xff\xff\xff", 4);
-    QByteArray bytes;
-    const QByteArray latin(value);
-    bytes += char(0);
-    bytes += char(0);
-    bytes += char(0);
-    bytes += char(2 * latin.size());
-    for (char c : latin) {
-        bytes += char(0);
-        bytes += c;
-    }
+        return QByteArray(4, '\xff');
+    QByteArray bytes { 3, '\0' };
+    bytes += char(2 * qstrlen(value));
+    for (const char *c = value; *c; ++c)
+        bytes += QByteArray(1, '\0') + *c;
     return bytes;
 }
 
@@ -40,7 +34,7 @@ QByteArray count(qint32 value)
 // class.
 QByteArray readerRecord(const char *id, const char *name, bool active, const char *emitterClass)
 {
-    return text(id) + text(name) + text("d") + QByteArray(1, char(active)) + text("T") + text("x")
+    return text(id) + text(name) + text("d") + char(active) + text("T") + text("x")
         + text(emitterClass);
 }
 
@@ -52,11 +46,10 @@ QStringList fromDevice(const QByteArray &bytes)
     buffer.open(QIODevice::ReadOnly);
     document.fromBinary(&buffer);
     QStringList emitters;
-    for (const auto &emitter : document.scenarioEmitter())
+    for (const auto &e : document.scenarioEmitter())
         emitters << QStringLiteral("%1 '%2' '%3' %4 '%5'%6")
-                        .arg(emitter->id(), emitter->name(), emitter->description(),
-                            emitter->isActive() ? "on" : "off", emitter->getClass(),
-                            emitter->isLinked() ? " linked" : "");
+                        .arg(e->id(), e->name(), e->description(), e->isActive() ? "on" : "off",
+                            e->getClass(), e->isLinked() ? " linked" : "");
     emitters.sort();
     // The default flag is not in the reader's record.
     if (document.defaultEmitter())
@@ -75,7 +68,6 @@ private Q_SLOTS:
     {
         ScenarioDataBinary document(nullptr);
         QCOMPARE(document.toBinary(), QByteArray(4, '\0'));
-
         const auto target
             = std::make_shared<SzenarioEmitter>(QStringLiteral("T"), QStringLiteral("t"));
         const auto linked = std::make_shared<SzenarioEmitter>(QStringLiteral("L"), QString());
@@ -85,11 +77,11 @@ private Q_SLOTS:
         document.setScenarioEmitter({ target });
         document.setDefaultEmitter(target);
         QCOMPARE(document.toBinary(),
-            count(1) + text("T") + text("t") + text(nullptr) + QByteArray("\x01\x01", 2)
-                + text("%%NONE%%") + text(nullptr));
+            count(1) + text("T") + text("t") + text(nullptr) + "\x01\x01" + text("%%NONE%%")
+                + text(nullptr));
         document.setScenarioEmitter({ linked });
         QCOMPARE(document.toBinary(),
-            count(1) + text("L") + text(nullptr) + text(nullptr) + QByteArray("\0\0", 2) + text("T")
+            count(1) + text("L") + text(nullptr) + text(nullptr) + QByteArray(2, '\0') + text("T")
                 + text("c"));
     }
 
@@ -107,10 +99,9 @@ private Q_SLOTS:
         row("a count no stream could hold", count(0x7fffffff) + readerRecord("A", "a", true, "c"),
             QVector<QString>(1024, " '' '' off ''").toList() + QStringList { "A 'a' 'd' on 'c'" });
         row("a negative count", count(-1) + readerRecord("A", "a", true, "c"), QStringList());
-        row("an odd string length", count(1) + QByteArray("\0\0\0\x03\0A\0", 7),
-            QStringList { " '' '' off ''" });
-        row("a string length beyond the stream", count(1) + QByteArray("\x7f\xff\xff\xfe\0A", 6),
-            QStringList { " '' '' off ''" });
+        row("odd or huge string lengths",
+            count(2) + QByteArray("\0\0\0\x03\0A\0\x7f\xff\xff\xfe\0A", 13),
+            QStringList { " '' '' off ''", " '' '' off ''" });
     }
     void read()
     {
@@ -120,7 +111,7 @@ private Q_SLOTS:
     }
 
     // The reader takes the writer's default flag and link target for a string and is out of
-    // step from there: the class is lost.
+    // step from there: the class is lost. The byte array form opens nothing and reads nothing.
     void theWritersStreamIsNotTheReaders()
     {
         ScenarioDataBinary writer(nullptr);
@@ -129,17 +120,11 @@ private Q_SLOTS:
         emitter->setClass(QStringLiteral("lost"));
         writer.setScenarioEmitter({ emitter });
         QCOMPARE(fromDevice(writer.toBinary()), QStringList { "A 'a' '' on ''" });
-    }
 
-    void theByteArrayFormReadsNothing()
-    {
         ScenarioDataBinary document(nullptr);
-        document.fromBinary(
-            count(2) + readerRecord("A", "a", true, "c") + readerRecord("B", "b", true, "c"));
-        QVERIFY(document.scenarioEmitter().isEmpty());
+        document.fromBinary(count(1) + readerRecord("A", "a", true, "c"));
         QBuffer closed;
         document.fromBinary(&closed);
-        document.fromBinary(static_cast<QIODevice *>(nullptr));
         QVERIFY(document.scenarioEmitter().isEmpty());
     }
 };

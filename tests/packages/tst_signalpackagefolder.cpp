@@ -29,18 +29,6 @@ class tst_SignalPackageFolder : public QObject
 private Q_SLOTS:
     void init() { QVERIFY(m_dir.isValid()); }
 
-    void filePaths()
-    {
-        const QString folder = m_dir.filePath("a/../Pkg");
-        const QString base = QDir(folder).absolutePath() + "/Signal.";
-        QCOMPARE(QStringList({ SignalPackageFolder::signalFilePath(folder),
-                     SignalPackageFolder::signalShapeFilePath(folder),
-                     SignalPackageFolder::audioFilePath(folder),
-                     SignalPackageFolder::symbolDataFilePath(folder),
-                     SignalPackageFolder::resultDataFilePath(folder) }),
-            QStringList({ base + "xml", base + "ssf", base + "wav", base + "sdf", base + "rdf" }));
-    }
-
     // The folder's name wins over the descriptor's; the flags come from the files alone.
     void packages_data()
     {
