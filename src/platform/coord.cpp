@@ -134,6 +134,39 @@ bool readQth(const QString &text, double &lon, double &lat)
     return true;
 }
 
+// Whether GeographicLib's degree decoder may be given one half of a pair: only the characters
+// our forms use, and at most degrees, minutes and seconds, in that order. The decoder numbers a
+// ':' component after the one before it and writes past its three-component buffer when that
+// goes beyond the seconds ("1:2:3:4", "1\"2:3"); GeographicLib 2.1 takes the process down on
+// such a text.
+bool isDegreeHalf(const QString &half)
+{
+    const QChar prime = QLatin1Char('\'');
+    int next = 0;
+    for (int i = 0; i < half.size(); ++i) {
+        const QChar c = half.at(i);
+        int component = -1;
+        if (c == QLatin1Char(':')) {
+            component = next;
+        } else if (c == QLatin1Char('d') || c == QLatin1Char('D') || c == QChar(0x00B0)) {
+            component = 0;
+        } else if (c == prime) {
+            // The decoder reads two primes as a double prime.
+            component = half.mid(i + 1, 1) == prime ? 2 : 1;
+            i += component - 1;
+        } else if (c == QLatin1Char('"')) {
+            component = 2;
+        } else if (!QStringLiteral("0123456789.+-NSEWnsew").contains(c)) {
+            return false;
+        }
+        if (component >= 3)
+            return false;
+        if (component >= 0)
+            next = component + 1;
+    }
+    return true;
+}
+
 // Two angles with hemisphere letters (or signs, longitude first): decimal, degree-minute or
 // degree-minute-second. The halves are split at blanks or, in the blank-free column layout,
 // at the second hemisphere letter. A comma is read as the decimal point.
@@ -147,7 +180,7 @@ bool readPair(QString text, double &lon, double &lat)
             return false;
         halves = QStringList { text.left(split), text.mid(split) };
     }
-    if (halves.size() != 2)
+    if (halves.size() != 2 || !isDegreeHalf(halves[0]) || !isDegreeHalf(halves[1]))
         return false;
     DMS::DecodeLatLon(halves[0].toStdString(), halves[1].toStdString(), lat, lon, true);
     // Latitude is range-checked by the decoder, longitude is not.
@@ -175,6 +208,10 @@ bool readUtm(const QString &text, double &lon, double &lat)
 // The centre of the square the reference names, as a reader of GeoConvert's output expects.
 bool readMgrs(const QString &text, double &lon, double &lat)
 {
+    // A zone has at most two digits. GeographicLib sums any run of leading digits into an int
+    // before it looks at the length, which overflows from the tenth digit on.
+    if (text.indexOf(QRegExp(QStringLiteral("^[0-9]{3}"))) == 0)
+        return false;
     int zone = 0;
     bool northp = false;
     double x = 0.0;

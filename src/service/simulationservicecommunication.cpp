@@ -6,6 +6,7 @@
 #include "xmlseparator_p.h"
 
 #include <QCryptographicHash>
+#include <QHash>
 #include <QStringList>
 #include <QTcpSocket>
 #include <QTimer>
@@ -367,9 +368,16 @@ bool SimulationServiceCommunication::emitCommand(XmlElement &command, const QStr
         Q_EMIT commandRequestSimulationDevices();
     } else if (sTag == ResponseSimulationDevicesTag) {
         // A damaged record is kept with the fields it has; the first missing index ends the list.
+        // The first child of each name counts, wherever it stands: they are gathered in one
+        // pass, since a search per index grows with the square of a long list.
+        QHash<QString, XmlElement> entries;
+        for (const XmlElement &entry : command.children(QString())) {
+            if (!entries.contains(entry.tagName()))
+                entries.insert(entry.tagName(), entry);
+        }
         QVector<SimulationDeviceConfiguration> devices;
         for (int i = 0;; ++i) {
-            const XmlElement entry = command.child(DeviceTag, i);
+            const XmlElement entry = entries.value(DeviceTag + QString::number(i, 10));
             if (!entry.isValid())
                 break;
             SimulationDeviceConfiguration device;

@@ -1,5 +1,7 @@
 #include "xmlelement.h"
 
+#include <QXmlStreamReader>
+
 namespace Simulation {
 
 namespace {
@@ -38,6 +40,41 @@ bool isUIntText(const QString &text)
     return ok;
 }
 
+// The DOM parser recurses once per element level and runs out of stack some ten thousand
+// levels down, sooner on smaller stacks; its time grows with the square of a chain of entities
+// that name each other. Our documents are a few levels deep and declare no entities.
+constexpr int MaxLevels = 256;
+
+// Whether a document stays within MaxLevels element levels and entity declarations. Every
+// level and every declaration begins with a '<' or comes out of an entity reference, so a
+// document with few of those bytes needs no look; a longer one is read through once, and one
+// that can't be read through is not taken.
+bool isModest(const QByteArray &xml)
+{
+    if (xml.count('<') + xml.count('&') <= MaxLevels)
+        return true;
+    QXmlStreamReader reader(xml);
+    int depth = 0;
+    while (!reader.atEnd()) {
+        switch (reader.readNext()) {
+        case QXmlStreamReader::StartElement:
+            if (++depth > MaxLevels)
+                return false;
+            break;
+        case QXmlStreamReader::EndElement:
+            --depth;
+            break;
+        case QXmlStreamReader::DTD:
+            if (reader.entityDeclarations().size() > MaxLevels)
+                return false;
+            break;
+        default:
+            break;
+        }
+    }
+    return !reader.hasError();
+}
+
 bool isUInt64Text(const QString &text)
 {
     bool ok = false;
@@ -62,6 +99,8 @@ XmlElement::XmlElement(const QString &sTag, int iIndex)
 
 XmlElement XmlElement::fromByteArray(const QByteArray &xml)
 {
+    if (!isModest(xml))
+        return XmlElement();
     QDomDocument doc { QString() };
     doc.setContent(xml);
     return XmlElement(doc.documentElement());

@@ -28,7 +28,8 @@ public:
     // Root named sTag, or sTag followed by the decimal iIndex when iIndex >= 0.
     explicit XmlElement(const QString &sTag, int iIndex = -1);
 
-    // A null element if the bytes don't parse.
+    // A null element if the bytes don't parse, or if they nest elements more than 256 levels
+    // deep or declare more than 256 entities.
     static XmlElement fromByteArray(const QByteArray &xml);
 
     QString tagName() const;
@@ -37,6 +38,7 @@ public:
     // A null sTag stands for the remembered child name. An empty name picks by position,
     // counted from 1; a position past the end gives the last child.
     XmlElement child(const QString &sTag = QString(), int iIndex = -1) const;
+    // In document order; an empty name gives the child elements of every name.
     QList<XmlElement> children(const QString &sTag) const;
     QStringList attributeNames() const;
     QStringList childNames() const;

@@ -180,7 +180,11 @@ bool Frequency::equal(double a, double b)
 
 QString Duration::toString(uint milliseconds)
 {
-    return QTime(0, 0, 0, 0).addMSecs(int(milliseconds)).toString(QStringLiteral("hh:mm:ss's'"));
+    // addMSecs takes an int, so values from 2^31 on count back from midnight. Qt's own sum
+    // overflows for the first day's worth of them; handing it less than a day avoids that.
+    constexpr qint64 MSecsPerDay = 86400000;
+    const int withinDay = int(qint64(int(milliseconds)) % MSecsPerDay);
+    return QTime(0, 0, 0, 0).addMSecs(withinDay).toString(QStringLiteral("hh:mm:ss's'"));
 }
 
 } // namespace Units

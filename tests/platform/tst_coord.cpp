@@ -112,7 +112,8 @@ private Q_SLOTS:
     void decimalInputForms()
     {
         const std::tuple<QString, double, double> texts[] = { { "E8,5 N48,2", 8.5, 48.2 },
-            { "S48.2 W8.5", -8.5, -48.2 }, { "-8.5 48.2", -8.5, 48.2 } };
+            { "S48.2 W8.5", -8.5, -48.2 }, { "-8.5 48.2", -8.5, 48.2 },
+            { "8:30:36 48:12", 8.51, 48.2 }, { "E8d30'36'' N48:12", 8.51, 48.2 } };
         for (const auto &[text, lon, lat] : texts) {
             const Coord coord = read(text, CoordDecimal);
             QVERIFY2(coord.longitude == lon && coord.latitude == lat, qPrintable(text));
@@ -155,7 +156,10 @@ private Q_SLOTS:
         const QStringList texts = { QString(), "   ", QString(1024 * 1024, QLatin1Char('9')),
             QString(1024 * 1024, QChar(0x00B0)), QStringLiteral("E1 N1 ").repeated(100000),
             "Ωλ€ 東京", "abc", "E999°99'99.99\"N99°99'99.99\"", "E10 N95", "nan inf", "32n nan inf",
-            "99n 500000 5000000", "32n 500000", "32UPU79851402501", "SS99yy", QString(QChar(0)) };
+            "99n 500000 5000000", "32n 500000", "32UPU79851402501", "SS99yy", QString(QChar(0)),
+            // More than degrees, minutes and seconds in a half: GeographicLib's decoder would
+            // write past its buffer.
+            "1:2:3 4:54:6:5:6:6", "2:3:30:15.25:3:30 0", "1\"2:3 0", "1''2:3 0" };
         for (CoordFormat format : AllFormats) {
             for (const QString &text : texts) {
                 const Coord coord = read(text, format);

@@ -203,8 +203,19 @@ void tst_ServiceCommunication::handWrittenCommands_data()
 {
     QTest::addColumn<QByteArray>("document");
     QTest::addColumn<QString>("received");
-    const auto row = [](const char *name, const char *inner, const QString &received) {
-        QTest::newRow(name) << "<Command>" + QByteArray(inner) + "</Command>" << received;
+    const auto row = [](const char *name, const QByteArray &inner, const QString &received) {
+        QTest::newRow(name) << "<Command>" + inner + "</Command>" << received;
+    };
+    const auto device = [](int index, const char *id) {
+        return QString::asprintf("<Device%d><Data>&lt;R&gt;&lt;Id&gt;%s&lt;/Id&gt;&lt;/R&gt;"
+                                 "</Data></Device%d>",
+            index, id, index)
+            .toLatin1();
+    };
+    const auto withId = [](const char *id) {
+        SimulationDeviceConfiguration record;
+        record.setId(id);
+        return flatten(record);
     };
     row("only the first child counts", "<UnloadScenario/><StopScenario/>", "unload");
     row("no child", "text", "");
@@ -216,6 +227,19 @@ void tst_ServiceCommunication::handWrittenCommands_data()
         "<ResponseSimulationDevices><Device0><Data/></Device0><Device2><Data/></Device2>"
         "</ResponseSimulationDevices>",
         "devices " + flatten({}));
+    row("devices in any order, the first of each name counts",
+        "<ResponseSimulationDevices>" + device(1, "b") + device(0, "a") + device(0, "z")
+            + "</ResponseSimulationDevices>",
+        "devices " + withId("a") + " / " + withId("b"));
+    QByteArray many;
+    QStringList empty;
+    for (int i = 0; i < 20000; ++i) {
+        many += "<Device" + QByteArray::number(i) + "/>";
+        empty << flatten({});
+    }
+    row("20000 devices, read in linear time",
+        "<ResponseSimulationDevices>" + many + "</ResponseSimulationDevices>",
+        "devices " + empty.join(" / "));
     row("record lacks a field",
         "<RegisterSimulation Id=\"x\"><SimulationDevice>&lt;R&gt;&lt;Id&gt;x&lt;/Id&gt;&lt;/R&gt;"
         "</SimulationDevice></RegisterSimulation>",

@@ -16,6 +16,8 @@ private Q_SLOTS:
     void childByNameOrPosition_data();
     void childByNameOrPosition();
     void listsAndStructure();
+    void nestingAndEntityLimits_data();
+    void nestingAndEntityLimits();
 };
 
 // Only made elements own a document to write into; the record tests show that parsed ones
@@ -140,6 +142,36 @@ void tst_XmlElement::listsAndStructure()
     QCOMPARE(parsed.childNames(), QStringList({ "X", "Y", "X" }));
     QCOMPARE(parsed.children("X").at(1).text(), "2");
     QVERIFY(parsed.hasChild("Y") && !parsed.hasChild("N") && !parsed.hasChild("Z"));
+}
+
+// The DOM parser overflows the stack some ten thousand levels down and slows with the square of
+// an entity chain: documents beyond 256 of either give a null element, shallow wide ones parse.
+void tst_XmlElement::nestingAndEntityLimits_data()
+{
+    QTest::addColumn<QByteArray>("xml");
+    QTest::addColumn<bool>("valid");
+    const auto nested = [](int levels) {
+        return QByteArray("<a>").repeated(levels) + QByteArray("</a>").repeated(levels);
+    };
+    const auto chain = [](int entities) {
+        QByteArray xml = "<!DOCTYPE a [<!ENTITY e0 \"x\">";
+        for (int i = 1; i < entities; ++i)
+            xml += QString::asprintf("<!ENTITY e%d \"&e%d;\">", i, i - 1).toLatin1();
+        return xml + QString::asprintf("]><a>&e%d;</a>", entities - 1).toLatin1();
+    };
+    QTest::newRow("256 levels") << nested(256) << true;
+    QTest::newRow("257 levels") << nested(257) << false;
+    QTest::newRow("50000 levels") << nested(50000) << false;
+    QTest::newRow("2000 siblings")
+        << "<r>" + QByteArray("<a>&amp;</a>").repeated(2000) + "</r>" << true;
+    QTest::newRow("chain of 256 entities") << chain(256) << true;
+    QTest::newRow("chain of 20000 entities") << chain(20000) << false;
+}
+
+void tst_XmlElement::nestingAndEntityLimits()
+{
+    QFETCH(QByteArray, xml);
+    QTEST(XmlElement::fromByteArray(xml).isValid(), "valid");
 }
 
 QTEST_GUILESS_MAIN(tst_XmlElement)

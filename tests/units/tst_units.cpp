@@ -101,11 +101,13 @@ private Q_SLOTS:
         }
     }
 
-    // Fractions of a second are dropped and a day wraps to zero.
+    // Fractions of a second are dropped and a day wraps to zero; from 2^31 on, the value counts
+    // back from midnight.
     void durationToString()
     {
         const QPair<uint, QString> cases[]
-            = { { 86399999u, "23:59:59s" }, { 86400000u, "00:00:00s" } };
+            = { { 86399999u, "23:59:59s" }, { 86400000u, "00:00:00s" },
+                  { 2147483648u, "03:28:36s" }, { 4294967295u, "23:59:59s" } };
         for (const auto &[milliseconds, text] : cases)
             QCOMPARE(Units::Duration::toString(milliseconds), text);
     }
