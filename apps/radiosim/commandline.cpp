@@ -2,6 +2,7 @@
 #include "defaultdata.h"
 
 #include <radiosim/platform/trace.h>
+#include <radiosim/service/simulationsystemconfiguration.h>
 
 #include <QCoreApplication>
 #include <QLoggingCategory>
@@ -19,14 +20,11 @@ void writeLine(FILE *stream, const QString &line)
 
 } // namespace
 
-QString defaultServerAddress()
+ServerAddress configuredServer()
 {
-    return QStringLiteral("127.0.0.1");
-}
-
-quint16 defaultServerPort()
-{
-    return 57401;
+    Simulation::SimulationSystemConfiguration configuration;
+    configuration.loadConfiguation();
+    return { configuration.simulationServerAddress(), configuration.simulationServerPort() };
 }
 
 void printLine(const QString &line)
@@ -53,7 +51,7 @@ bool CommandLine::parse(const QStringList &arguments, int maxPositional)
         m_status = fail(m_parser.errorText(), ExitUsage);
         return false;
     }
-    if (m_parser.isSet(QStringLiteral("help"))) {
+    if (m_parser.isSet(QStringLiteral("help")) || m_parser.isSet(QStringLiteral("help-all"))) {
         // The parser's own first line names the executable's path and no subcommand.
         const QString help = m_parser.helpText();
         std::fputs(qPrintable(QStringLiteral("Usage: radiosim %1\n%2")

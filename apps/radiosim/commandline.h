@@ -23,9 +23,14 @@ struct LoadedScenario;
 void printLine(const QString &line);
 void printError(const QString &line);
 
-// Where the simulation server is unless told otherwise.
-QString defaultServerAddress();
-quint16 defaultServerPort();
+// Where the simulation server is unless told otherwise: the system configuration's address and
+// port, 127.0.0.1:57401 when nothing is configured.
+struct ServerAddress
+{
+    QString host;
+    quint16 port = 0;
+};
+ServerAddress configuredServer();
 
 // The command line of one subcommand: its parser, its help, and the reading of numbers, each
 // mistake told in one line on standard error as "radiosim COMMAND: ...".

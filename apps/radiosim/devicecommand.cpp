@@ -238,8 +238,9 @@ int runDevice(const QStringList &arguments)
     if (!commandLine.unsignedValue(QStringLiteral("seconds"), 0, seconds))
         return commandLine.status();
 
-    QString host = defaultServerAddress();
-    uint port = defaultServerPort();
+    const ServerAddress configured = configuredServer();
+    QString host = configured.host;
+    uint port = configured.port;
     if (parser.isSet(QStringLiteral("server"))) {
         const QString server = parser.value(QStringLiteral("server"));
         bool ok = false;

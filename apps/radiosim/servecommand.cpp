@@ -3,6 +3,7 @@
 #include "defaultdata.h"
 #include "terminationsignals.h"
 
+#include <radiosim/deployment/deploymentdataxml.h>
 #include <radiosim/display/simulationstablemodel.h>
 #include <radiosim/service/simulationservicecommunication.h>
 #include <radiosim/units/units.h>
@@ -14,7 +15,6 @@
 #include <QTcpServer>
 #include <QTcpSocket>
 #include <QTimer>
-#include <QXmlStreamReader>
 
 #include <map>
 #include <memory>
@@ -257,8 +257,8 @@ private:
     bool m_stopping = false;
 };
 
-// The deployment is handed on as it stands; only its root is checked, so that a wrong file is
-// refused before any device sees it.
+// The deployment is read as a document and sent as its writer writes it, so that a file that is
+// no deployment is refused before any device sees it.
 bool readDeployment(const QString &path, QByteArray &bytes, QString &error)
 {
     QFile file(path);
@@ -266,15 +266,17 @@ bool readDeployment(const QString &path, QByteArray &bytes, QString &error)
         error = QStringLiteral("%1: cannot be opened: %2").arg(path, file.errorString());
         return false;
     }
-    bytes = file.readAll();
-    QXmlStreamReader reader(bytes);
-    if (!reader.readNextStartElement() || reader.name() != QLatin1String("SimulationDeployment")) {
-        error = QStringLiteral("%1: not a deployment: its root element is <%2>, not "
+    DeploymentDataXml document;
+    const bool read = document.fromXml(&file);
+    if (read)
+        bytes = document.toXml();
+    releaseDeployment(document);
+    if (!read) {
+        error = QStringLiteral("%1: not a deployment: its root element is not "
                                "<SimulationDeployment>")
-                    .arg(path, reader.name().toString());
-        return false;
+                    .arg(path);
     }
-    return true;
+    return read;
 }
 
 } // namespace
@@ -306,7 +308,7 @@ int runServe(const QStringList &arguments)
         return commandLine.status();
     uint port = 0;
     uint seconds = 0;
-    if (!commandLine.unsignedValue(QStringLiteral("port"), defaultServerPort(), port)
+    if (!commandLine.unsignedValue(QStringLiteral("port"), configuredServer().port, port)
         || !commandLine.unsignedValue(QStringLiteral("seconds"), 0, seconds)) {
         return commandLine.status();
     }

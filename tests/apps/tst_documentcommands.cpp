@@ -44,7 +44,8 @@ void tst_DocumentCommands::helpAndVersion_data()
     columns<QStringList, QString>("arguments", "start");
     row("program", QStringList { "--help" }, QString("Usage: radiosim COMMAND"));
     row("version", QStringList { "--version" }, QString("radiosim 0.1.0\n"));
-    for (const char *command : { "play", "timeline", "check", "convert" }) {
+    for (const char *command :
+        { "play", "timeline", "check", "convert", "describe", "serve", "device" }) {
         row(command, QStringList { command, "--help" }, "Usage: radiosim " + QString(command));
     }
 }
