@@ -8,7 +8,7 @@ packages=(
     qtbase5-dev qtbase5-dev-tools libqt5xml5 libqt5network5 libqt5concurrent5
     libboost-dev libgeographiclib-dev libquazip1-qt5-dev zlib1g-dev
     libbenchmark-dev clang clang-format libclang-rt-14-dev
-    geographiclib-tools sox libxml2-utils unzip python3
+    geographiclib-tools sox libxml2-utils unzip python3 fonts-dejavu-core
 )
 
 missing=()

@@ -51,6 +51,10 @@ public:
     uint duration() const;
     // 2 once open() has succeeded, 0 before.
     uint version() const { return fileVersion; }
+    // The header's counts, for tools that describe a file; 0 before a successful open().
+    quint64 recordCount() const { return spectrumCount; }
+    uint recordsPerSecond() const { return spectraPerSecond; }
+    uint binsPerRecord() const { return binCount; }
 
 private:
     bool readGlobalHeader();

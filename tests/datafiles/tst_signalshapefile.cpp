@@ -63,6 +63,7 @@ private Q_SLOTS:
         QFETCH(QString, state);
         SignalShapeFile shape(writeFile(scratch("a.ssf"), bytes));
         QCOMPARE(shape.version(), 0u);
+        QCOMPARE(shape.recordCount(), 0u);
         QCOMPARE(QStringLiteral("%1 %2 v%3, %4 bins")
                      .arg(shape.open())
                      .arg(shape.isOpen())
@@ -97,6 +98,9 @@ private Q_SLOTS:
         QCOMPARE(shape.duration(), 10000u);
         QCOMPARE(shape.bandwidth(), 10000u);
         QCOMPARE(shape.basePower(), 2e-14f);
+        QCOMPARE(shape.recordCount(), 100u);
+        QCOMPARE(shape.recordsPerSecond(), 10u);
+        QCOMPARE(shape.binsPerRecord(), 3u);
         shape.setPackageDuration(packageDuration);
         shape.readSpectrum(ms);
         QCOMPARE(current(shape), record);
