@@ -1,5 +1,7 @@
 #include "xmlelement.h"
 
+#include "xmlwriter_p.h"
+
 #include <QXmlStreamReader>
 
 namespace Simulation {
@@ -46,12 +48,14 @@ bool isUIntText(const QString &text)
 constexpr int MaxLevels = 256;
 
 // Whether a document stays within MaxLevels element levels and entity declarations. Every
-// level and every declaration begins with a '<' or comes out of an entity reference, so a
-// document with few of those bytes needs no look; a longer one is read through once, and one
-// that can't be read through is not taken.
+// level and every declaration begins with a '<' or comes out of an entity reference, and only
+// a document type declaration can declare entities: a document with few of those bytes needs
+// no look (a scenario sent as text holds thousands of references, but no declaration); a
+// longer one is read through once, and one that can't be read through is not taken.
 bool isModest(const QByteArray &xml)
 {
-    if (xml.count('<') + xml.count('&') <= MaxLevels)
+    const int references = xml.contains("<!DOCTYPE") ? xml.count('&') : 0;
+    if (xml.count('<') + references <= MaxLevels)
         return true;
     QXmlStreamReader reader(xml);
     int depth = 0;
@@ -245,7 +249,7 @@ void XmlElement::appendElement(const XmlElement &other)
 
 QByteArray XmlElement::toByteArray() const
 {
-    return m_doc.toByteArray(4);
+    return domToByteArray(m_doc);
 }
 
 bool XmlElement::hasAttribute(const QString &sName) const
