@@ -1,6 +1,7 @@
 #include "xmlelement.h"
 
 #include "xmllimits_p.h"
+#include "xmlwriter_p.h"
 
 namespace Simulation {
 
@@ -210,7 +211,7 @@ void XmlElement::appendElement(const XmlElement &other)
 
 QByteArray XmlElement::toByteArray() const
 {
-    return m_doc.toByteArray(4);
+    return domToByteArray(m_doc);
 }
 
 bool XmlElement::hasAttribute(const QString &sName) const

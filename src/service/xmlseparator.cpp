@@ -62,6 +62,11 @@ int XmlSeparator::compressionLevel() const
     return m_compressionLevel;
 }
 
+qint64 XmlSeparator::bufferedBytes() const
+{
+    return qint64(m_buffer.size()) + m_xml.size();
+}
+
 bool XmlSeparator::sendXml(const QByteArray &Xml)
 {
     if (m_mode == ModePlainXml)
@@ -109,11 +114,18 @@ void XmlSeparator::reset()
     m_reader->clear();
     m_xml.clear();
     m_buffer.clear();
+    m_discarding = false;
+    m_previous = '>';
+    m_inEndTag = false;
     reconnectDevice();
 }
 
 void XmlSeparator::readNewData()
 {
+    if (m_discarding) {
+        m_device->readAll();
+        return;
+    }
     m_buffer += m_device->readAll();
     if (m_mode == ModeAutoDetect) {
         if (!detectMode())
@@ -145,42 +157,106 @@ bool XmlSeparator::detectMode()
     return true;
 }
 
-// Offsets are counted in the reader's characters but cut in bytes; multi-byte text is safe
-// because the rest of a chunk is appended whenever the reader runs out of data.
+// The reader is fed up to the '>' before each place where the document can end, then up to
+// that place, so a long text full of '>' costs few steps. Where it does end, the last piece
+// is measured as ever: offsets are counted in the reader's characters but cut in bytes.
 void XmlSeparator::cutDocuments()
 {
     int position = 0;
-    QByteArray chunk = takeChunk(position, m_reader->characterOffset() == 0);
-    while (!chunk.isEmpty()) {
-        m_reader->addData(chunk);
-        int used = 0;
-        for (;;) {
-            const qint64 before = m_reader->characterOffset();
-            const QXmlStreamReader::TokenType token = m_reader->readNext();
-            const qint64 after = m_reader->characterOffset();
-            const QXmlStreamReader::Error error = m_reader->error();
-            if (error == QXmlStreamReader::NoError) {
-                const int n = qMin(int(after - before), chunk.size() - used);
-                m_xml.append(chunk.constData() + used, n);
-                used += n;
-                if (token != QXmlStreamReader::EndDocument)
-                    continue;
-                Q_EMIT queued_xmlReceived(m_xml);
-                m_xml.clear();
-                m_reader->clear();
-                chunk = takeChunk(position, true);
-            } else if (error == QXmlStreamReader::PrematureEndOfDocumentError) {
-                m_xml.append(chunk.constData() + used, chunk.size() - used);
-                chunk = takeChunk(position, false);
-            } else {
-                Q_EMIT errorOccured(m_reader->errorString());
-                pause();
-                chunk.clear();
-            }
+    bool atStart = m_reader->characterOffset() == 0;
+    for (;;) {
+        if (atStart) {
+            while (position < m_buffer.size() && isBlank(m_buffer.at(position)))
+                ++position;
+        }
+        if (position >= m_buffer.size())
             break;
+        const int end = nextPossibleEnd(position);
+        int length = m_buffer.size() - position;
+        if (end >= 0) {
+            const int before = end > position ? m_buffer.lastIndexOf('>', end - 1) : -1;
+            length = (before >= position ? before : end) + 1 - position;
+        }
+        const Cut cut = cutChunk(m_buffer.mid(position, length));
+        position += length;
+        if (cut == Cut::Failed)
+            break;
+        atStart = cut == Cut::Complete;
+        if (m_xml.size() > MaxDocumentSize) {
+            dropOversizedDocument();
+            return;
         }
     }
     m_buffer.remove(0, position);
+}
+
+// Multi-byte text is safe before the last piece, because the rest of a piece is appended
+// whenever the reader runs out of data.
+XmlSeparator::Cut XmlSeparator::cutChunk(const QByteArray &chunk)
+{
+    m_reader->addData(chunk);
+    int used = 0;
+    for (;;) {
+        const qint64 before = m_reader->characterOffset();
+        const QXmlStreamReader::TokenType token = m_reader->readNext();
+        const qint64 after = m_reader->characterOffset();
+        const QXmlStreamReader::Error error = m_reader->error();
+        if (error == QXmlStreamReader::NoError) {
+            const int n = qMin(int(after - before), chunk.size() - used);
+            m_xml.append(chunk.constData() + used, n);
+            used += n;
+            if (token != QXmlStreamReader::EndDocument)
+                continue;
+            Q_EMIT queued_xmlReceived(m_xml);
+            m_xml.clear();
+            m_reader->clear();
+            return Cut::Complete;
+        }
+        if (error == QXmlStreamReader::PrematureEndOfDocumentError) {
+            m_xml.append(chunk.constData() + used, chunk.size() - used);
+            return Cut::Incomplete;
+        }
+        Q_EMIT errorOccured(m_reader->errorString());
+        pause();
+        return Cut::Failed;
+    }
+}
+
+// A document ends at the '>' of an end tag or of an empty element's tag; text holds no '<',
+// so a '>' in text ends nothing unless it follows a '/'. The scan goes on where it stopped.
+int XmlSeparator::nextPossibleEnd(int from)
+{
+    const char *data = m_buffer.constData();
+    for (int i = from; i < m_buffer.size(); ++i) {
+        const char c = data[i];
+        if (c == '>') {
+            const bool end = m_previous == '/' || m_inEndTag;
+            m_previous = c;
+            m_inEndTag = false;
+            if (end)
+                return i;
+            continue;
+        }
+        if (c == '<')
+            m_inEndTag = false;
+        else if (c == '/' && m_previous == '<')
+            m_inEndTag = true;
+        m_previous = c;
+    }
+    return -1;
+}
+
+void XmlSeparator::dropOversizedDocument()
+{
+    delete m_reader;
+    m_reader = new QXmlStreamReader;
+    m_xml.clear();
+    m_buffer.clear();
+    m_discarding = true;
+    m_device->readAll();
+    Q_EMIT errorOccured(QStringLiteral("Document larger than %1 bytes: dropped with the rest of "
+                                       "the stream")
+                            .arg(MaxDocumentSize));
 }
 
 void XmlSeparator::cutFrame()
@@ -190,6 +266,10 @@ void XmlSeparator::cutFrame()
     const uchar *head = reinterpret_cast<const uchar *>(m_buffer.constData());
     const qint64 size = m_mode == ModeBigEndianSize ? qFromBigEndian<quint32>(head)
                                                     : qFromLittleEndian<quint32>(head);
+    if (size > MaxDocumentSize) {
+        dropOversizedDocument();
+        return;
+    }
     if (m_buffer.size() < size + 4)
         return;
     const QByteArray payload = m_buffer.mid(4, int(size));
@@ -197,23 +277,6 @@ void XmlSeparator::cutFrame()
     Q_EMIT queued_xmlReceived(uncompressed(payload));
     if (!m_buffer.isEmpty())
         QTimer::singleShot(0, this, &XmlSeparator::readNewData);
-}
-
-// The buffer is consumed from `position` on and compacted once per pass, so a large buffer
-// holding many documents is cut in linear time.
-QByteArray XmlSeparator::takeChunk(int &position, bool bSkipWhiteSpace) const
-{
-    if (bSkipWhiteSpace) {
-        while (position < m_buffer.size() && isBlank(m_buffer.at(position)))
-            ++position;
-    }
-    if (position >= m_buffer.size())
-        return {};
-    const int end = m_buffer.indexOf('>', position);
-    const int length = end >= 0 ? end + 1 - position : m_buffer.size() - position;
-    const QByteArray chunk = m_buffer.mid(position, length);
-    position += length;
-    return chunk;
 }
 
 // A peer whose first frame isn't compressed switches compression off in both directions.

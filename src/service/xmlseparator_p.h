@@ -16,11 +16,19 @@ class QXmlStreamReader;
 // behind a 4-byte payload size. Documents are always delivered from the event loop, so a
 // receiver may pause, reset or delete socket objects without the cutter's state changing
 // under it.
+//
+// A document, or a frame's payload, may hold at most MaxDocumentSize bytes. A larger one is
+// reported through errorOccured(), its bytes are dropped, and everything the device delivers
+// after it is read and dropped too, so a peer that never ends its document can't make memory
+// grow. reset() makes the separator take documents again.
 class RADIOSIM_EXPORT XmlSeparator : public QObject
 {
     Q_OBJECT
 
 public:
+    // 32 MiB: ten times the largest scenario sent uncompressed.
+    static constexpr int MaxDocumentSize = 32 * 1024 * 1024;
+
     enum Mode : quint32 {
         // Decided by the first four bytes received; nothing can be sent before.
         ModeAutoDetect = 0,
@@ -39,6 +47,8 @@ public:
     void setCompression(bool bCompress);
     void setCompressionLevel(int iLevel);
     int compressionLevel() const;
+    // Bytes held for the document in progress and not yet cut.
+    qint64 bufferedBytes() const;
 
 Q_SIGNALS:
     void xmlReceived(const QByteArray &Xml);
@@ -63,7 +73,10 @@ private:
     bool detectMode();
     void cutDocuments();
     void cutFrame();
-    QByteArray takeChunk(int &position, bool bSkipWhiteSpace) const;
+    enum class Cut { Incomplete, Complete, Failed };
+    Cut cutChunk(const QByteArray &chunk);
+    int nextPossibleEnd(int from);
+    void dropOversizedDocument();
     QByteArray uncompressed(const QByteArray &payload);
 
     quint32 m_mode = ModePlainXml;
@@ -74,4 +87,9 @@ private:
     int m_compressionLevel = -1;
     bool m_compress = false;
     bool m_uncompress = true;
+    bool m_discarding = false;
+    // Where the scan for the end of a document stands: the byte before, and whether the last
+    // '<' opened an end tag.
+    char m_previous = '>';
+    bool m_inEndTag = false;
 };

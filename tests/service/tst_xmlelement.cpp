@@ -1,4 +1,7 @@
 #include <radiosim/service/xmlelement.h>
+#include <radiosim/service/xmlwriter_p.h>
+
+#include <QDomDocument>
 
 #include <QtTest>
 
@@ -18,6 +21,8 @@ private Q_SLOTS:
     void listsAndStructure();
     void nestingAndEntityLimits_data();
     void nestingAndEntityLimits();
+    void writerGivesQtsBytes_data();
+    void writerGivesQtsBytes();
 };
 
 // Only made elements own a document to write into; the record tests show that parsed ones
@@ -172,6 +177,68 @@ void tst_XmlElement::nestingAndEntityLimits()
 {
     QFETCH(QByteArray, xml);
     QTEST(XmlElement::fromByteArray(xml).isValid(), "valid");
+}
+
+void tst_XmlElement::writerGivesQtsBytes_data()
+{
+    QTest::addColumn<QString>("text");
+    QString controls;
+    for (ushort c = 1; c < 32; ++c)
+        controls += QChar(c);
+    QString everyUnit;
+    for (uint c = 1; c <= 0xffff; ++c)
+        everyUnit += QChar(ushort(c));
+    QTest::newRow("empty") << QString("");
+    QTest::newRow("blanks only") << QString(" \t \n ");
+    QTest::newRow("markup") << QString("<a href=\"x\">&amp; 'q' ]]> ]> ]]]>> &</a>");
+    QTest::newRow("control characters") << controls;
+    QTest::newRow("line ends") << QString("a\r\nb\rc\nd\te\r");
+    QTest::newRow("non-ASCII") << QString::fromUtf8(
+        "Empfänger Ω 中文 \xf0\x9f\x93\xa1 \xef\xbf\xbf");
+    QTest::newRow("lone surrogates") << QString("a") + QChar(0xdc00) + "b" + QChar(0xd800);
+    QTest::newRow("every code unit") << everyUnit;
+}
+
+// The writer against Qt's on one document with every kind of place a text can take: several
+// attributes (their order is Qt's hash order), element text, mixed content, an empty element,
+// and a copy of a parsed element. A comment falls back to Qt's writer.
+void tst_XmlElement::writerGivesQtsBytes()
+{
+    QFETCH(QString, text);
+    QDomDocument document;
+    QDomElement root = document.createElement("Command");
+    document.appendChild(root);
+    for (const char *name : { "Id", "DeviceId", "b", "Name", "x" })
+        root.setAttribute(name, text + name);
+    QDomElement child = document.createElement("Text");
+    child.appendChild(document.createTextNode(text));
+    root.appendChild(child);
+    QDomElement mixed = document.createElement("Mixed");
+    mixed.appendChild(document.createTextNode(text));
+    mixed.appendChild(document.createElement("Inner"));
+    mixed.appendChild(document.createTextNode(text));
+    mixed.appendChild(document.createElement("Last")).appendChild(document.createElement("Deep"));
+    root.appendChild(mixed);
+    root.appendChild(document.createElement("Empty"));
+    QDomDocument parsed;
+    QVERIFY(parsed.setContent(QByteArray("<P a=\"1\"><Q>t &amp; u</Q><R/></P>")));
+    root.appendChild(document.importNode(parsed.documentElement(), true));
+    QCOMPARE(domToByteArray(document), document.toByteArray(4));
+
+    XmlElement element("R", 3);
+    element.setAttribute("a", text);
+    element.setChildText("T", text);
+    const QByteArray written = element.toByteArray();
+    QDomDocument reference;
+    QDomElement referenceRoot = reference.createElement("R3");
+    reference.appendChild(referenceRoot);
+    referenceRoot.setAttribute("a", text);
+    referenceRoot.appendChild(reference.createElement("T"))
+        .appendChild(reference.createTextNode(text));
+    QCOMPARE(written, reference.toByteArray(4));
+
+    mixed.appendChild(document.createComment(text));
+    QCOMPARE(domToByteArray(document), document.toByteArray(4));
 }
 
 QTEST_GUILESS_MAIN(tst_XmlElement)

@@ -64,6 +64,8 @@ private Q_SLOTS:
     void framedModes_data();
     void framedModes();
     void uncompressedFirstFrameSwitchesCompressionOffForGood();
+    void endlessDocumentIsDroppedAtTheCap_data();
+    void endlessDocumentIsDroppedAtTheCap();
 };
 
 // Nothing comes before the root's last '>' is in; blanks before and between documents are
@@ -220,6 +222,52 @@ void tst_XmlSeparator::uncompressedFirstFrameSwitchesCompressionOffForGood()
     sockets.client.write(frame(packed, mode));
     QTRY_COMPARE(received.count(), 2);
     QCOMPARE(received.at(1).at(0).toByteArray(), packed);
+}
+
+void tst_XmlSeparator::endlessDocumentIsDroppedAtTheCap_data()
+{
+    QTest::addColumn<int>("modeValue");
+    QTest::addColumn<QByteArray>("head");
+    QTest::addColumn<QByteArray>("slice");
+    const QByteArray items = QByteArray("<Item a=\"1\">").append(1000, 'x').append("</Item>");
+    QTest::newRow("one long text")
+        << int(Plain) << QByteArray("<Command><Data>") << QByteArray(1 << 20, 'x');
+    QTest::newRow("endless siblings")
+        << int(Plain) << QByteArray("<Command>") << items.repeated((1 << 20) / items.size());
+    QTest::newRow("frame of 4 GiB")
+        << int(BigEndian) << QByteArray("\xff\xff\xff\xff", 4) << QByteArray(1 << 20, 'x');
+}
+
+// 100 MiB of one document, in slices of 1 MiB: what is held stays within the cap and one
+// slice, the device is drained, the error comes once, and a separator on another connection
+// goes on meanwhile. A reset takes documents again.
+void tst_XmlSeparator::endlessDocumentIsDroppedAtTheCap()
+{
+    QFETCH(int, modeValue);
+    QFETCH(QByteArray, head);
+    QFETCH(QByteArray, slice);
+    Reader flood { XmlSeparator::Mode(modeValue) };
+    Reader other;
+    flood.device.feed(head);
+    qint64 most = 0;
+    for (int i = 0; i < 100; ++i) {
+        flood.device.feed(slice);
+        most = qMax(most, flood.separator.bufferedBytes());
+        QCOMPARE(flood.device.bytesAvailable(), qint64(0));
+        other.device.feed(Message);
+    }
+    QVERIFY2(
+        most <= XmlSeparator::MaxDocumentSize + slice.size(), qPrintable(QString::number(most)));
+    QCOMPARE(flood.separator.bufferedBytes(), qint64(0));
+    QCOMPARE(flood.errors.count(), 1);
+    QVERIFY(flood.errors.at(0).at(0).toString().startsWith("Document larger than 33554432 bytes"));
+    QTRY_COMPARE(other.spy.count(), 100);
+    QVERIFY(other.errors.isEmpty());
+
+    flood.separator.reset();
+    flood.device.feed(modeValue == Plain ? Message : frame(Message, BigEndian));
+    QTRY_COMPARE(
+        flood.documents(), QList<QByteArray>({ modeValue == Plain ? Delivered : Message }));
 }
 
 QTEST_GUILESS_MAIN(tst_XmlSeparator)
