@@ -1,32 +1,9 @@
 #include "deploymentcast.h"
 
+#include <radiosim/units/sharedpointerset_p.h>
+
 namespace Simulation {
 namespace Cast {
-
-namespace {
-
-template <typename Derived>
-QSet<std::shared_ptr<Derived>> filtered(const QSet<std::shared_ptr<DeploymentObject>> &objects)
-{
-    QSet<std::shared_ptr<Derived>> result;
-    for (const auto &object : objects) {
-        if (auto derived = std::dynamic_pointer_cast<Derived>(object))
-            result.insert(derived);
-    }
-    return result;
-}
-
-template <typename Derived>
-QSet<std::shared_ptr<DeploymentObject>> widened(const QSet<std::shared_ptr<Derived>> &derived)
-{
-    QSet<std::shared_ptr<DeploymentObject>> result;
-    result.reserve(derived.size());
-    for (const auto &object : derived)
-        result.insert(object);
-    return result;
-}
-
-} // namespace
 
 std::shared_ptr<DeploymentDevice> device(std::shared_ptr<DeploymentObject> object)
 {
@@ -51,25 +28,25 @@ bool isStation(std::shared_ptr<DeploymentObject> object)
 QSet<std::shared_ptr<DeploymentDevice>> devices(
     const QSet<std::shared_ptr<DeploymentObject>> &objects)
 {
-    return filtered<DeploymentDevice>(objects);
+    return filteredSet<DeploymentDevice>(objects);
 }
 
 QSet<std::shared_ptr<DeploymentStation>> stations(
     const QSet<std::shared_ptr<DeploymentObject>> &objects)
 {
-    return filtered<DeploymentStation>(objects);
+    return filteredSet<DeploymentStation>(objects);
 }
 
 QSet<std::shared_ptr<DeploymentObject>> objects(
     const QSet<std::shared_ptr<DeploymentDevice>> &devices)
 {
-    return widened(devices);
+    return widenedSet<DeploymentObject>(devices);
 }
 
 QSet<std::shared_ptr<DeploymentObject>> objects(
     const QSet<std::shared_ptr<DeploymentStation>> &stations)
 {
-    return widened(stations);
+    return widenedSet<DeploymentObject>(stations);
 }
 
 } // namespace Cast

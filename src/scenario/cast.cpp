@@ -1,32 +1,9 @@
 #include "cast.h"
 
+#include <radiosim/units/sharedpointerset_p.h>
+
 namespace Simulation {
 namespace Cast {
-
-namespace {
-
-template <typename Derived>
-QSet<std::shared_ptr<Derived>> filtered(const QSet<std::shared_ptr<ScenarioObject>> &objects)
-{
-    QSet<std::shared_ptr<Derived>> result;
-    for (const auto &object : objects) {
-        if (auto derived = std::dynamic_pointer_cast<Derived>(object))
-            result.insert(derived);
-    }
-    return result;
-}
-
-template <typename Derived>
-QSet<std::shared_ptr<ScenarioObject>> widened(const QSet<std::shared_ptr<Derived>> &derived)
-{
-    QSet<std::shared_ptr<ScenarioObject>> result;
-    result.reserve(derived.size());
-    for (const auto &object : derived)
-        result.insert(object);
-    return result;
-}
-
-} // namespace
 
 std::shared_ptr<SzenarioEmitter> emitter(std::shared_ptr<ScenarioObject> object)
 {
@@ -52,25 +29,25 @@ bool isNetwork(std::shared_ptr<ScenarioObject> object)
 
 QSet<std::shared_ptr<SzenarioEmitter>> emitter(const QSet<std::shared_ptr<ScenarioObject>> &objects)
 {
-    return filtered<SzenarioEmitter>(objects);
+    return filteredSet<SzenarioEmitter>(objects);
 }
 
 QSet<std::shared_ptr<ScenarioNetwork>> networks(
     const QSet<std::shared_ptr<ScenarioObject>> &objects)
 {
-    return filtered<ScenarioNetwork>(objects);
+    return filteredSet<ScenarioNetwork>(objects);
 }
 
 QSet<std::shared_ptr<ScenarioObject>> objects(
     const QSet<std::shared_ptr<SzenarioEmitter>> &emitters)
 {
-    return widened(emitters);
+    return widenedSet<ScenarioObject>(emitters);
 }
 
 QSet<std::shared_ptr<ScenarioObject>> objects(
     const QSet<std::shared_ptr<ScenarioNetwork>> &networks)
 {
-    return widened(networks);
+    return widenedSet<ScenarioObject>(networks);
 }
 
 } // namespace Cast
