@@ -275,7 +275,8 @@ QString SimulationServiceCommunication::compressData(const QByteArray &data) con
 QByteArray SimulationServiceCommunication::uncompressData(const QString &text) const
 {
     if (m_bCompression)
-        return uncompressOrEmpty(QByteArray::fromBase64(text.toLatin1()));
+        return uncompressOrEmpty(
+            QByteArray::fromBase64(text.toLatin1()), XmlSeparator::MaxDocumentSize);
     return text.toLatin1();
 }
 

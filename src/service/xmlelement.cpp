@@ -226,7 +226,7 @@ bool XmlElement::hasAttributeRemembered(const QString &sName)
 
 bool XmlElement::hasChild(const QString &sName) const
 {
-    return !m_element.isNull() && !childText(sName).isNull();
+    return !m_element.isNull() && (sName.isEmpty() || !m_element.firstChildElement(sName).isNull());
 }
 
 bool XmlElement::hasChildRemembered(const QString &sName)

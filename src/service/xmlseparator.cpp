@@ -274,20 +274,29 @@ void XmlSeparator::cutFrame()
         return;
     const QByteArray payload = m_buffer.mid(4, int(size));
     m_buffer.remove(0, int(size) + 4);
-    Q_EMIT queued_xmlReceived(uncompressed(payload));
+    deliverFrame(payload);
     if (!m_buffer.isEmpty())
         QTimer::singleShot(0, this, &XmlSeparator::readNewData);
 }
 
-// A peer whose first frame isn't compressed switches compression off in both directions.
-QByteArray XmlSeparator::uncompressed(const QByteArray &payload)
+// A peer whose first frame isn't compressed switches compression off in both directions. A
+// compressed frame that can't be inflated within the document cap is dropped; the frames
+// after it are whole and still read.
+void XmlSeparator::deliverFrame(const QByteArray &payload)
 {
-    if (!m_uncompress)
-        return payload;
-    const QByteArray data = Simulation::uncompressOrEmpty(payload);
-    if (!data.isEmpty())
-        return data;
-    m_compress = false;
-    m_uncompress = false;
-    return payload;
+    if (m_uncompress && !Simulation::isCompressedForm(payload)) {
+        m_compress = false;
+        m_uncompress = false;
+    }
+    if (!m_uncompress) {
+        Q_EMIT queued_xmlReceived(payload);
+        return;
+    }
+    const QByteArray xml = Simulation::uncompressOrEmpty(payload, MaxDocumentSize);
+    if (xml.isEmpty())
+        Q_EMIT errorOccured(QStringLiteral("Compressed document corrupt or larger than %1 bytes: "
+                                           "dropped")
+                                .arg(MaxDocumentSize));
+    else
+        Q_EMIT queued_xmlReceived(xml);
 }

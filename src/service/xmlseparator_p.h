@@ -77,7 +77,7 @@ private:
     Cut cutChunk(const QByteArray &chunk);
     int nextPossibleEnd(int from);
     void dropOversizedDocument();
-    QByteArray uncompressed(const QByteArray &payload);
+    void deliverFrame(const QByteArray &payload);
 
     quint32 m_mode = ModePlainXml;
     QXmlStreamReader *m_reader = nullptr;

@@ -19,27 +19,37 @@ void appendReference(QString &out, ushort unit)
 
 // Qt's escaping, character for character. Attribute values also escape quotes and every line
 // break and tab; text escapes only carriage returns. '>' is escaped only after "]]". A lone
-// surrogate becomes '?' in the final conversion, as in Qt's.
+// surrogate becomes '?' in the final conversion, as in Qt's. Runs that need no escaping are
+// appended whole: a scenario sent as text is megabytes of them.
 void appendEscaped(QString &out, const QString &text, bool bAttribute)
 {
     const QChar *data = text.constData();
     const int size = text.size();
+    int plain = 0;
     for (int i = 0; i < size; ++i) {
         const ushort c = data[i].unicode();
+        if (c > '>')
+            continue;
+        QLatin1String entity;
         if (c == '<')
-            out += QLatin1String("&lt;");
+            entity = QLatin1String("&lt;");
         else if (c == '&')
-            out += QLatin1String("&amp;");
+            entity = QLatin1String("&amp;");
         else if (c == '"' && bAttribute)
-            out += QLatin1String("&quot;");
+            entity = QLatin1String("&quot;");
         else if (c == '>' && i >= 2 && data[i - 1] == QLatin1Char(']')
             && data[i - 2] == QLatin1Char(']'))
-            out += QLatin1String("&gt;");
-        else if (c == '\r' || ((c == '\n' || c == '\t') && bAttribute))
-            appendReference(out, c);
+            entity = QLatin1String("&gt;");
+        else if (!(c == '\r' || ((c == '\n' || c == '\t') && bAttribute)))
+            continue;
+        out.append(data + plain, i - plain);
+        if (entity.size() > 0)
+            out += entity;
         else
-            out += data[i];
+            appendReference(out, c);
+        plain = i + 1;
     }
+    out.append(data + plain, size - plain);
 }
 
 bool isText(const QDomNode &node)

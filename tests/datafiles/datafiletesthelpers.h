@@ -67,6 +67,26 @@ template <typename Values> QString runs(const Values &values)
     return parts.join(QLatin1Char(','));
 }
 
+// Symbol i is i mod 256, item i the 16-bit number i.
+inline QByteArray symbolFile(quint64 count, float rate, quint32 version = 0, char payloadType = 0)
+{
+    QByteArray bytes = "V&H-SDF" + le(version) + QByteArray(16, 'r') + char(4) + payloadType
+        + le(rate) + le(count);
+    for (quint64 i = 0; i < count; ++i)
+        bytes += char(i);
+    return bytes;
+}
+
+inline QByteArray resultFile(
+    quint64 count, float rate, const QByteArray &magic = "V&H-RDF", char payloadType = 0)
+{
+    QByteArray bytes
+        = magic + le<quint32>(0) + payloadType + le(rate) + le(count) + le<quint32>(77);
+    for (quint64 i = 0; i < count; ++i)
+        bytes += le(quint16(i));
+    return bytes;
+}
+
 // A signal shape file: record r holds the levels levels(r) and the bins r + b / 10.
 template <typename Levels>
 QByteArray shapeFile(quint64 records, quint32 perSecond, quint32 bins, Levels levels,

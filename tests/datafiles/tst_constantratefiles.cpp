@@ -9,26 +9,6 @@ using namespace Simulation;
 
 namespace {
 
-// Symbol i is i mod 256, item i the 16-bit number i.
-QByteArray symbolFile(quint64 count, float rate, quint32 version = 0, char payloadType = 0)
-{
-    QByteArray bytes = "V&H-SDF" + le(version) + QByteArray(16, 'r') + char(4) + payloadType
-        + le(rate) + le(count);
-    for (quint64 i = 0; i < count; ++i)
-        bytes += char(i);
-    return bytes;
-}
-
-QByteArray resultFile(
-    quint64 count, float rate, const QByteArray &magic = "V&H-RDF", char payloadType = 0)
-{
-    QByteArray bytes
-        = magic + le<quint32>(0) + payloadType + le(rate) + le(count) + le<quint32>(77);
-    for (quint64 i = 0; i < count; ++i)
-        bytes += le(quint16(i));
-    return bytes;
-}
-
 QString items(const QByteArray &bytes)
 {
     QVector<int> numbers;

@@ -2,7 +2,9 @@
 
 #include <radiosim/datafiles/audiofile.h>
 #include <radiosim/datafiles/pdwfile.h>
+#include <radiosim/datafiles/resultdatafile.h>
 #include <radiosim/datafiles/signalshapefile.h>
+#include <radiosim/datafiles/symboldatafile.h>
 #include <radiosim/datafiles/wavefilereader.h>
 
 #include <QTemporaryDir>
@@ -21,6 +23,7 @@ private Q_SLOTS:
     void waveAndAudio();
     void signalShape();
     void pdw();
+    void symbolsAndResults();
 
 private:
     bool truncate(const QString &path, qint64 size) { return QFile::resize(path, size); }
@@ -89,6 +92,26 @@ void tst_TruncatedFiles::pdw()
     while (reader.getPDW(&record) == 32 && records < 2000)
         ++records;
     QVERIFY2(records < 1000, qPrintable(QString::number(records)));
+}
+
+// 100 symbols and 100 items are left of 1000 at 100 a second: a stretch across the cut stops
+// there, one beyond it is empty.
+void tst_TruncatedFiles::symbolsAndResults()
+{
+    const QString symbolPath = writeFile(m_dir.filePath("a.sdf"), symbolFile(1000, 100.0f));
+    const QString resultPath = writeFile(m_dir.filePath("a.rdf"), resultFile(1000, 100.0f));
+    SymbolDataFile symbols(symbolPath);
+    ResultDataFile results(resultPath);
+    QVERIFY(symbols.open() && results.open());
+    QVERIFY(truncate(symbolPath, symbolFile(100, 100.0f).size()));
+    QVERIFY(truncate(resultPath, resultFile(100, 100.0f).size()));
+    const auto read = [&](uint start) {
+        const std::vector<unsigned char> s = symbols.readSymbols(start, 1000);
+        return runs(QVector<int>(s.begin(), s.end())) + ' '
+            + QString::number(results.readResultData(start, 1000).size());
+    };
+    QCOMPARE(read(500), QString("50-98 100"));
+    QCOMPARE(read(5000), QString(" 0"));
 }
 
 QTEST_GUILESS_MAIN(tst_TruncatedFiles)

@@ -2,6 +2,7 @@
 
 #include <radiosim/service/simulationservicecommunication.h>
 #include <radiosim/service/tcpserverconnector.h>
+#include <radiosim/service/xmlseparator_p.h>
 
 #include <QProcess>
 #include <QTimer>
@@ -80,6 +81,8 @@ void tst_ServiceFaults::killedDeviceLeavesTheOthersWorking()
     peer.start(DEVICE_PEER, { QString::number(server.listener.serverPort()), "half" });
     QVERIFY(peer.waitForStarted());
     QTRY_COMPARE_WITH_TIMEOUT(int(server.ends.size()), 2, 10000);
+    const auto *separator = server.ends.back()->findChild<XmlSeparator *>();
+    QTRY_VERIFY_WITH_TIMEOUT(separator->bufferedBytes() > 0, 10000);
     QSignalSpy closed(server.ends.back()->socket(), &QTcpSocket::disconnected);
     peer.kill();
     QVERIFY(peer.waitForFinished());

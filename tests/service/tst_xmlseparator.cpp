@@ -66,6 +66,8 @@ private Q_SLOTS:
     void uncompressedFirstFrameSwitchesCompressionOffForGood();
     void endlessDocumentIsDroppedAtTheCap_data();
     void endlessDocumentIsDroppedAtTheCap();
+    void unreadableCompressedFrameIsDropped_data();
+    void unreadableCompressedFrameIsDropped();
 };
 
 // Nothing comes before the root's last '>' is in; blanks before and between documents are
@@ -268,6 +270,30 @@ void tst_XmlSeparator::endlessDocumentIsDroppedAtTheCap()
     flood.device.feed(modeValue == Plain ? Message : frame(Message, BigEndian));
     QTRY_COMPARE(
         flood.documents(), QList<QByteArray>({ modeValue == Plain ? Delivered : Message }));
+}
+
+void tst_XmlSeparator::unreadableCompressedFrameIsDropped_data()
+{
+    QTest::addColumn<QByteArray>("payload");
+    QTest::newRow("inflates past the cap")
+        << qCompress(QByteArray(XmlSeparator::MaxDocumentSize + 1, ' '), 9);
+    QByteArray corrupt = qCompress(Message);
+    corrupt[corrupt.size() / 2] = char(corrupt[corrupt.size() / 2] ^ 0x55);
+    QTest::newRow("corrupt") << corrupt;
+    QTest::newRow("cut short") << qCompress(Message).chopped(8);
+}
+
+// A compressed frame that can't be inflated within the cap is reported and dropped; the frames
+// around it arrive, and compression stays on.
+void tst_XmlSeparator::unreadableCompressedFrameIsDropped()
+{
+    QFETCH(QByteArray, payload);
+    Reader r { BigEndian };
+    r.device.feed(frame(qCompress(Message), BigEndian) + frame(payload, BigEndian)
+        + frame(qCompress(Message), BigEndian));
+    QTRY_COMPARE(r.documents(), QList<QByteArray>({ Message, Message }));
+    QCOMPARE(r.errors.count(), 1);
+    QVERIFY(r.errors.at(0).at(0).toString().startsWith("Compressed document corrupt or larger"));
 }
 
 QTEST_GUILESS_MAIN(tst_XmlSeparator)
