@@ -148,5 +148,3 @@ BENCHMARK(BM_BareRecordLists)
     ->ReportAggregatesOnly(true);
 
 } // namespace
-
-BENCHMARK_MAIN();

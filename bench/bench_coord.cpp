@@ -75,5 +75,3 @@ void BM_ValidString(benchmark::State &state)
 BENCHMARK(BM_ValidString);
 
 } // namespace
-
-BENCHMARK_MAIN();

@@ -292,5 +292,3 @@ BENCHMARK(BM_UpdateCacheBareCopy)
     ->UseRealTime();
 
 } // namespace
-
-BENCHMARK_MAIN();

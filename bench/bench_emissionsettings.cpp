@@ -118,5 +118,3 @@ BENCHMARK(BM_FillTimetable)
     ->Complexity();
 
 } // namespace
-
-BENCHMARK_MAIN();

@@ -103,5 +103,3 @@ static void BM_SlowHopperWindow(benchmark::State &state)
     runWindow(state, hopper, 0.0);
 }
 BENCHMARK(BM_SlowHopperWindow);
-
-BENCHMARK_MAIN();

@@ -101,5 +101,3 @@ BENCHMARK(BM_BareAzimuth);
 BENCHMARK(BM_GetPositionAt)->Arg(10)->Arg(100)->Arg(1000)->Complexity(benchmark::oN);
 BENCHMARK(BM_HeadingAt)->Arg(10)->Arg(100)->Arg(1000)->Complexity(benchmark::oN);
 BENCHMARK(BM_SpeedAt)->Arg(10)->Arg(100)->Arg(1000)->Complexity(benchmark::oN);
-
-BENCHMARK_MAIN();

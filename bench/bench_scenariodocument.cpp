@@ -34,7 +34,11 @@ const std::shared_ptr<SignalPackage> &package()
 
 const QSet<std::shared_ptr<ScenarioObject>> &objects()
 {
-    static const auto all = generatedScenario(Emitters, Entries, 0, package());
+    static const auto all = [] {
+        // The objects hold each other; they are let go when the application ends.
+        qAddPostRoutine([] { releaseScenario(objects()); });
+        return generatedScenario(Emitters, Entries, 0, package());
+    }();
     return all;
 }
 
@@ -305,15 +309,3 @@ BENCHMARK(BM_BareRead)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_Read)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_BareWrite)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_Write)->Unit(benchmark::kMillisecond);
-
-int main(int argc, char **argv)
-{
-    QCoreApplication app(argc, argv);
-    benchmark::Initialize(&argc, argv);
-    if (benchmark::ReportUnrecognizedArguments(argc, argv))
-        return 1;
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
-    releaseScenario(objects());
-    return 0;
-}

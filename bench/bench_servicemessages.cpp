@@ -6,7 +6,6 @@
 
 #include <benchmark/benchmark.h>
 
-#include <QCoreApplication>
 #include <QDomDocument>
 #include <QEventLoop>
 #include <QFile>
@@ -144,14 +143,3 @@ BENCHMARK(BM_OurWriter)
     ->RangeMultiplier(4)
     ->Range(16 << 10, 2 << 20)
     ->Unit(benchmark::kMillisecond);
-
-int main(int argc, char **argv)
-{
-    QCoreApplication app(argc, argv);
-    benchmark::Initialize(&argc, argv);
-    if (benchmark::ReportUnrecognizedArguments(argc, argv))
-        return 1;
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
-    return 0;
-}

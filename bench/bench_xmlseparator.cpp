@@ -84,14 +84,3 @@ void BM_SeparatorCut(benchmark::State &state)
 
 BENCHMARK(BM_BareParse)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_SeparatorCut)->Unit(benchmark::kMillisecond);
-
-int main(int argc, char **argv)
-{
-    QCoreApplication app(argc, argv);
-    benchmark::Initialize(&argc, argv);
-    if (benchmark::ReportUnrecognizedArguments(argc, argv))
-        return 1;
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
-    return 0;
-}
