@@ -125,17 +125,17 @@ private Q_SLOTS:
     void queriesFollowEveryEditOfTheGeometry()
     {
         PositionSettingsPtp route({ 11.0, 48.0 }, 0.1);
-        const std::function<void(PositionSettingsPtp &)> edits[] = {
-            [](PositionSettingsPtp &r) { r.setPoint(1, point(10.8, 48.05, true, 50.0)); },
-            [](PositionSettingsPtp &r) { r.insertRowAfter(0, 2.0, QStringLiteral("between")); },
-            [](PositionSettingsPtp &r) {
-                r.setPosition({ -70.0, -33.0 });
+        const std::function<void()> edits[] = {
+            [&] { route.setPoint(1, point(10.8, 48.05, true, 50.0)); },
+            [&] { route.insertRowAfter(0, 2.0, QStringLiteral("between")); },
+            [&] {
+                route.setPosition({ -70.0, -33.0 });
             },
-            [](PositionSettingsPtp &r) { r.removeRow(1); },
-            [](PositionSettingsPtp &r) { r.setMovementSpeed(1, 120.0f); },
+            [&] { route.removeRow(1); },
+            [&] { route.setMovementSpeed(1, 120.0f); },
         };
         for (const auto &edit : edits) {
-            edit(route);
+            edit();
             const QVector<MovementPoint> &points = route.getMovments();
             double total = 0.0;
             uint begin = 0;
