@@ -83,7 +83,6 @@ private Q_SLOTS:
         // 16777217 is not a float: it reads as 16777216, phase 216 instead of 217.
         row("chirp time through float", c, 16777217u, Hz { 24432000 });
         // At 1000 hops per second and no offset, ms t reads channel t.
-        row("four channels", fastHopper(0, 4, 4, 0), 0u, Hz { 0, 2, 1, 3 });
         row("ten channels, set 7", fastHopper(1000, 2000, 10, 7), 0u,
             Hz { 1000, 1500, 1300, 1700, 1100, 1200, 1400, 1900, 1600, 1800 });
         row("thousand channels", fastHopper(44500000, 46500000, 1000, 0), 0u,
@@ -132,7 +131,6 @@ private Q_SLOTS:
         row("hopper rounded hop", fastHopper(0, 4, 4, 0, 300), 0u, 10u, 0.0,
             "0+0@0;0+4@0;4+4@2;8+2@1");
         const auto restart = Settings(slowHopper(EndRestart));
-        row("slow restart", restart, 150u, 100u, 0.0, "150+50@2000000;200+50@1000000");
         row("slow restart repeats", restart, 0u, 450u, 0.0,
             "0+100@1000000;100+100@2000000;200+100@1000000;"
             "300+100@2000000;400+50@1000000");
@@ -150,8 +148,7 @@ private Q_SLOTS:
         QFETCH(uint, start);
         QFETCH(uint, length);
         QFETCH(double, resolution);
-        QFETCH(QString, expected);
-        QCOMPARE(flatten(settings->calculateHRActivities(start, length, resolution)), expected);
+        QTEST(flatten(settings->calculateHRActivities(start, length, resolution)), "expected");
     }
 
     void faultyInputGivesNeutralResults_data()

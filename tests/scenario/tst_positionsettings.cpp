@@ -102,8 +102,6 @@ private Q_SLOTS:
             describe(settings.getPoint(0)), QStringLiteral("11 48 t%1 d0 major ''null 0").arg(leg));
         QCOMPARE(
             describe(settings.getPoint(1)), QStringLiteral("11.01 48.01 t0 d0 major ''null 50"));
-        QCOMPARE(settings.speedAt(0), -1.0);
-        QVERIFY(settings.isActiveAt(NoEnd));
 
         // A file's transition times and a minor point's own speed and dwell do not survive.
         MovementPoint middle = point(11.01, 48.0, false, 5.0, 700);
@@ -127,17 +125,17 @@ private Q_SLOTS:
     void queriesFollowEveryEditOfTheGeometry()
     {
         PositionSettingsPtp route({ 11.0, 48.0 }, 0.1);
-        const std::function<void(PositionSettingsPtp &)> edits[] = {
-            [](PositionSettingsPtp &r) { r.setPoint(1, point(10.8, 48.05, true, 50.0)); },
-            [](PositionSettingsPtp &r) { r.insertRowAfter(0, 2.0, QStringLiteral("between")); },
-            [](PositionSettingsPtp &r) {
-                r.setPosition({ -70.0, -33.0 });
+        const std::function<void()> edits[] = {
+            [&] { route.setPoint(1, point(10.8, 48.05, true, 50.0)); },
+            [&] { route.insertRowAfter(0, 2.0, QStringLiteral("between")); },
+            [&] {
+                route.setPosition({ -70.0, -33.0 });
             },
-            [](PositionSettingsPtp &r) { r.removeRow(1); },
-            [](PositionSettingsPtp &r) { r.setMovementSpeed(1, 120.0f); },
+            [&] { route.removeRow(1); },
+            [&] { route.setMovementSpeed(1, 120.0f); },
         };
         for (const auto &edit : edits) {
-            edit(route);
+            edit();
             const QVector<MovementPoint> &points = route.getMovments();
             double total = 0.0;
             uint begin = 0;
@@ -267,14 +265,13 @@ private Q_SLOTS:
         QFETCH(double, step);
         QFETCH(QString, name);
         QFETCH(int, index);
-        QFETCH(QString, inserted);
         QFETCH(double, lastLon);
         PositionSettingsPtp settings
             = route({ point(11.0, 48.0, true), point(12.0, 48.0, true, 30.0) });
         settings.insertRowAfter(row, step, name);
         QCOMPARE(settings.getMovments().size(), 3);
         const QStringList seen = describe(settings.getPoint(index)).split(QLatin1Char(' '));
-        QCOMPARE(QStringList(seen.mid(0, 2) + seen.mid(4)).join(QLatin1Char(' ')), inserted);
+        QTEST(QStringList(seen.mid(0, 2) + seen.mid(4)).join(QLatin1Char(' ')), "inserted");
         QVERIFY(qAbs(settings.getMovments().last().position.lon - lastLon) < 1e-12);
         QVERIFY(settings.getPoint(0).transitionTime > 0 && settings.getPoint(1).transitionTime > 0);
     }

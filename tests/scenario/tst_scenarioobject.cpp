@@ -77,18 +77,6 @@ private Q_SLOTS:
         releaseScenario({ emitter, other, network });
     }
 
-    void networkTakesOverFrequencyAndTimetable()
-    {
-        const auto emitter = makeEmitter("E");
-        const auto network = makeNetwork();
-        network->frequencySettings()->setCenterFrequency(10e6);
-        IFrequencySettings *own = emitter->frequencySettings();
-        emitter->setScenarioNetwork(network);
-        QVERIFY(emitter->getFrequencyAt(0) == 10e6 && emitter->frequencySettings() == own);
-        emitter->setScenarioNetwork(nullptr);
-        QCOMPARE(emitter->getFrequencyAt(0), 25e6);
-    }
-
     void linkChainRidesOnTheRootsRoute()
     {
         const auto a = makeEmitter("A"), b = makeEmitter("B"), target = makeEmitter("T");
@@ -100,14 +88,19 @@ private Q_SLOTS:
         link(b, target);
         QCOMPARE(a->getPositionSettings(), route);
 
-        const uint halfway = route->activeUntil() / 2;
-        QVERIFY(a->getPositionAt(halfway).lon > 11.04 && a->getPositionAt(halfway).lon < 11.06);
-        QCOMPARE(a->getPositionAt(halfway).lat, route->getPositionAt(halfway).lat);
-        QCOMPARE(a->headingAt(halfway), route->headingAt(halfway));
+        const uint end = route->activeUntil();
+        QCOMPARE(a->getPositionAt(end / 2).lat, route->getPositionAt(end / 2).lat);
+        QCOMPARE(a->headingAt(end / 2), route->headingAt(end / 2));
         // A link leaves the own position settings and the frequency alone.
         QVERIFY(a->positionSettings() != route);
         target->frequencySettings()->setCenterFrequency(1e6);
         QCOMPARE(a->getFrequencyAt(0), 25e6);
+        // The root's route also ends the bursts.
+        fill(a->emissionSettings(), {}, 1000, true);
+        a->emissionSettings()->makeContinousActive(a, nullptr);
+        QCOMPARE(spans(a->calculateBursts(end - 50, 100, 1.0)),
+            QStringList { QStringLiteral("%1+50@25").arg(end - 50) });
+        QVERIFY(a->calculateBursts(end, 100, 1.0).isEmpty());
         releaseScenario({ a, b, target });
     }
 
@@ -162,54 +155,50 @@ private Q_SLOTS:
         QVERIFY(!emitter.isActiveAt(3) && emitter.calculateBursts(0, 100, 1.0).isEmpty());
     }
 
-    void copyingConstructorTakesEffectivePosition()
+    // The copying constructor takes the visibility and the effective route, clone() neither.
+    void copiesAreDeep()
     {
-        const auto target = makeEmitter("T");
+        const auto target = makeEmitter("T"), source = makeEmitter("S"), linked = makeEmitter("L");
         target->setPositionSettings(new PositionSettingsFixed({ 2.0, 3.0 }));
-        const auto source = makeEmitter("S");
         link(source, target);
-        source->setDescription(QStringLiteral("d"));
-        source->setVisibleOnMap(true);
-        source->getTranmitterSettings()->setPower(7.0f);
-        const auto network = makeNetwork();
-        source->setScenarioNetwork(network);
-
-        const auto copy
-            = std::make_shared<SzenarioEmitter>(QStringLiteral("C"), QStringLiteral("c"), source);
-        QVERIFY(copy->getDescription() == QLatin1String("d") && copy->isVisibleOnMap());
-        QCOMPARE(copy->getTranmitterSettings()->getPower(), 7.0f);
-        QVERIFY(copy->linkTargetEmitter() == target && !copy->hasNetwork());
-        QVERIFY(copy->positionSettings() != target->positionSettings());
-        QVERIFY(copy->positionSettings()->equal(target->positionSettings()));
-        releaseScenario({ target, source, network, copy });
-    }
-
-    void cloneCopiesDeeplyButNotVisibility()
-    {
-        const auto source = makeEmitter("S"), linked = makeEmitter("L");
         link(linked, source);
+        source->setDescription(QStringLiteral("d"));
         source->setVisibleOnMap(true);
         source->setVisibleOnTimeline(true);
         source->setActive(false);
+        source->getTranmitterSettings()->setPower(7.0f);
         source->getTranmitterSettings()->setAntennaDirection(90.0f);
         source->frequencySettings()->setCenterFrequency(5e6);
         source->setPositionSettings(new PositionSettingsFixed({ 1.0, 1.0 }));
+        const auto network = makeNetwork();
+        source->setScenarioNetwork(network);
+        const auto copy
+            = std::make_shared<SzenarioEmitter>(QStringLiteral("C"), QStringLiteral("c"), source);
+        source->setScenarioNetwork(nullptr);
         source->emissionSettings()->makeContinousActive(source, nullptr);
-
         const auto clone = Cast::emitter(source->clone());
-        QVERIFY(clone && !clone->isActive() && !clone->isVisibleOnMap()
-            && !clone->isVisibleOnTimeline());
-        QCOMPARE(clone->getTranmitterSettings()->getAntennaDirection(), 90.0f);
-        QVERIFY(clone->frequencySettings() != source->frequencySettings());
+        QVERIFY(clone);
+        for (const auto &made : { copy, clone }) {
+            const TransmitterSettings *transmitter = made->getTranmitterSettings();
+            QVERIFY(made->getDescription() == QLatin1String("d") && !made->isActive());
+            QVERIFY(transmitter->getPower() == 7.0f && transmitter->getAntennaDirection() == 90.0f);
+            QVERIFY(made->frequencySettings() != source->frequencySettings());
+            QVERIFY(made->getFrequencyAt(0) == 5e6 && !made->hasNetwork());
+            QCOMPARE(made->linkTargetEmitter(), target);
+        }
+        QVERIFY(copy->isVisibleOnMap() && copy->isVisibleOnTimeline());
+        QVERIFY(!clone->isVisibleOnMap() && !clone->isVisibleOnTimeline());
+        QVERIFY(copy->positionSettings() != target->positionSettings());
+        QVERIFY(copy->positionSettings()->equal(target->positionSettings()));
         QVERIFY(clone->positionSettings() != source->positionSettings());
-        QVERIFY(clone->getFrequencyAt(0) == 5e6 && clone->getPositionAt(0).lon == 1.0);
+        QVERIFY(clone->positionSettings()->equal(source->positionSettings()));
         const auto entries = clone->emissionSettings()->emissions();
         QVERIFY(entries.size() == 1
             && entries.first() != source->emissionSettings()->emissions().first());
         // The entry still names the source.
         QCOMPARE(entries.first()->emitter, source);
         QCOMPARE(ids(clone->linkedEmitter()), QStringList { "L" });
-        releaseScenario({ source, linked, clone });
+        releaseScenario({ target, source, linked, network, copy, clone });
     }
 
     void elintIsAlwaysOnAirAndClonesPlain()
