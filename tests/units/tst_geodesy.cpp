@@ -31,19 +31,12 @@ class tst_Geodesy : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void distanceExample()
-    {
-        const double km = distance({ 11.4208, 48.1967 }, { 11.4013, 48.1576 });
-        QVERIFY2(qAbs(km - 4.582) / 4.582 < 0.001, qPrintable(QString::number(km, 'f', 6)));
-    }
-
     void inverseAgreesWithGeodSolve_data()
     {
-        QTest::addColumn<TPos>("from");
-        QTest::addColumn<TPos>("to");
-        QTest::newRow("across the date line") << TPos { 179.5, -16.0 } << TPos { -178.0, -18.5 };
-        QTest::newRow("westward is above 180") << TPos { 151.2, -33.9 } << TPos { 115.9, -31.9 };
-        QTest::newRow("due north is 0, not 360") << TPos { 11.0, 48.0 } << TPos { 11.0, 49.0 };
+        const auto row = columns<TPos, TPos>("from", "to");
+        row("across the date line", { 179.5, -16.0 }, { -178.0, -18.5 });
+        row("westward is above 180", { 151.2, -33.9 }, { 115.9, -31.9 });
+        row("due north is 0, not 360", { 11.0, 48.0 }, { 11.0, 49.0 });
     }
 
     void inverseAgreesWithGeodSolve()
@@ -59,11 +52,9 @@ private Q_SLOTS:
 
     void directAgreesWithGeodSolve_data()
     {
-        QTest::addColumn<TPos>("from");
-        QTest::addColumn<double>("azimuthDeg");
-        QTest::addColumn<double>("km");
-        QTest::newRow("north-east 10 km") << TPos { 11.0, 48.0 } << 45.0 << 10.0;
-        QTest::newRow("due north across the pole") << TPos { 0.0, 89.9 } << 0.0 << 50.0;
+        const auto row = columns<TPos, double, double>("from", "azimuthDeg", "km");
+        row("north-east 10 km", { 11.0, 48.0 }, 45.0, 10.0);
+        row("due north across the pole", { 0.0, 89.9 }, 0.0, 50.0);
     }
 
     void directAgreesWithGeodSolve()
