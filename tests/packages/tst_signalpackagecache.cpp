@@ -74,7 +74,9 @@ private Q_SLOTS:
         QVERIFY(QFile::link(m_repository, m_repository + "/Plain/Up"));
     }
 
-    void beforePreparationThereIsNoDefault()
+    // Before preparation there is no default and data file objects stay closed; preparation
+    // unpacks the default, again over what is there.
+    void preparationUnpacksTheDefault()
     {
         SignalPackageCache cache(m_cacheDir, "Default");
         QVERIFY(!cache.signalPackage("/Unknown") && !cache.defaultSignalPackage());
@@ -84,21 +86,17 @@ private Q_SLOTS:
         QVERIFY(shape && !shape->isOpen());
         QCOMPARE(cache.signalShapeFile(package), shape);
         QVERIFY(!cache.signalShapeFile(nullptr));
-    }
 
-    void preparationUnpacksTheDefault()
-    {
-        SignalPackageCache cache(m_cacheDir, "Default");
-        cache.prepareCacheForUse();
-        QCOMPARE(listing(m_cacheDir + "/Default"), QString("Signal.ssf Signal.wav Signal.xml"));
-        const std::shared_ptr<SignalPackage> fallback = cache.defaultSignalPackage();
-        QVERIFY(fallback);
-        QCOMPARE(fallback->id() + " " + fallback->name(), QString("/Default/Default Default"));
-        QVERIFY(fallback->hasAudioContent() && !fallback->hasSymbolDataContent());
-        QCOMPARE(lookUp(cache, "/Default/Default"), QString("/Default/Default 1.27541e-09 0 - -"));
-        // Again over what is there: the same result.
-        cache.prepareCacheForUse();
-        QCOMPARE(listing(m_cacheDir + "/Default"), QString("Signal.ssf Signal.wav Signal.xml"));
+        for (int round = 0; round < 2; ++round) {
+            cache.prepareCacheForUse();
+            QCOMPARE(listing(m_cacheDir + "/Default"), QString("Signal.ssf Signal.wav Signal.xml"));
+            QVERIFY(cache.defaultSignalPackage());
+            QCOMPARE(describe(*cache.defaultSignalPackage()),
+                QString("/Default/Default t1289821292 [] Default/Varnow-Heide bw10000 m0 '' d3000 "
+                        "100"));
+            QCOMPARE(
+                lookUp(cache, "/Default/Default"), QString("/Default/Default 1.27541e-09 0 - -"));
+        }
     }
 
     void lookups_data()
