@@ -3,6 +3,8 @@
 // Package folders and repositories written by the tests, with data files that tell their
 // package apart: shape bin 0 and every audio sample hold the package's number.
 
+#include <radiosim/packages/signalpackage.h>
+
 #include "datafiles/datafiletesthelpers.h"
 
 #include <QDir>
@@ -61,12 +63,26 @@ inline bool writePackage(
     return true;
 }
 
-// The names in folder, sorted, folders with a trailing slash.
+// The names in folder, sorted, hidden ones too, folders with a trailing slash.
 inline QString listing(const QString &folder)
 {
     QStringList names;
-    for (const QFileInfo &entry :
-        QDir(folder).entryInfoList(QDir::AllEntries | QDir::NoDotAndDotDot, QDir::Name))
+    for (const QFileInfo &entry : QDir(folder).entryInfoList(
+             QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden, QDir::Name))
         names << entry.fileName() + (entry.isDir() ? "/" : "");
     return names.join(' ');
+}
+
+// Every field of a package in one line: id, timestamp, update ids, name/author, bandwidth,
+// modulations, duration, then the audio, symbol and result flags.
+inline QString describe(const Simulation::SignalPackage &p)
+{
+    const auto number = [](auto value) { return QString::number(value); };
+    return QStringList { p.id(), 't' + number(p.timestamp()), '[' + p.updateIds().join(',') + ']',
+        p.name() + '/' + p.author(), "bw" + number(p.signalBandwidth()),
+        'm' + number(p.analogModulation()), '\'' + p.digitalModulation() + '\'',
+        'd' + number(p.duration()),
+        number(p.hasAudioContent()) + number(p.hasSymbolDataContent())
+            + number(p.hasResultDataContent()) }
+        .join(' ');
 }

@@ -10,7 +10,8 @@ class tst_SignalPackage : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    // One underscore for every unsafe character, so different ids can fall together.
+    // One underscore for every unsafe character, so different ids can fall together. Called
+    // from many threads at once.
     void cleanId()
     {
         const QPair<QString, QString> ids[]
@@ -21,17 +22,13 @@ private Q_SLOTS:
         SignalPackage package;
         package.setId("/a.b");
         QCOMPARE(package.cleanId(), QStringLiteral("_a_b"));
-    }
 
-    void cleanIdIsReentrant()
-    {
-        QStringList ids;
+        QStringList many;
         for (int i = 0; i < 2000; ++i)
-            ids << QStringLiteral("/Lib%1/Pkg.%2").arg(i % 7).arg(i);
+            many << QStringLiteral("/Lib%1/Pkg.%2").arg(i % 7).arg(i);
         QString (*clean)(QString) = &SignalPackage::cleanId;
-        const QStringList cleaned = QtConcurrent::blockingMapped(ids, clean);
-        for (int i = 0; i < ids.size(); ++i)
-            QCOMPARE(cleaned.at(i), QStringLiteral("_Lib%1_Pkg_%2").arg(i % 7).arg(i));
+        const QStringList cleaned = QtConcurrent::blockingMapped(many, clean);
+        QCOMPARE(cleaned, many.replaceInStrings("/", "_").replaceInStrings(".", "_"));
     }
 
     void fullNameKeepsTheLeadingSlash()

@@ -74,7 +74,9 @@ private Q_SLOTS:
         QVERIFY(QFile::link(m_repository, m_repository + "/Plain/Up"));
     }
 
-    void beforePreparationThereIsNoDefault()
+    // Before preparation there is no default and data file objects stay closed; preparation
+    // unpacks the default, again over what is there.
+    void preparationUnpacksTheDefault()
     {
         SignalPackageCache cache(m_cacheDir, "Default");
         QVERIFY(!cache.signalPackage("/Unknown") && !cache.defaultSignalPackage());
@@ -84,31 +86,17 @@ private Q_SLOTS:
         QVERIFY(shape && !shape->isOpen());
         QCOMPARE(cache.signalShapeFile(package), shape);
         QVERIFY(!cache.signalShapeFile(nullptr));
-    }
 
-    void preparationUnpacksTheDefault()
-    {
-        SignalPackageCache cache(m_cacheDir, "Default");
-        cache.prepareCacheForUse();
-        QCOMPARE(listing(m_cacheDir + "/Default"), QString("Signal.ssf Signal.wav Signal.xml"));
-        const std::shared_ptr<SignalPackage> fallback = cache.defaultSignalPackage();
-        QVERIFY(fallback);
-        QCOMPARE(fallback->id() + " " + fallback->name(), QString("/Default/Default Default"));
-        QVERIFY(fallback->hasAudioContent() && !fallback->hasSymbolDataContent());
-        QCOMPARE(lookUp(cache, "/Default/Default"), QString("/Default/Default 1.27541e-09 0 - -"));
-        // Again over what is there: the same result.
-        cache.prepareCacheForUse();
-        QCOMPARE(listing(m_cacheDir + "/Default"), QString("Signal.ssf Signal.wav Signal.xml"));
-    }
-
-    void updateCopiesEveryPackageFlat()
-    {
-        SignalPackageCache cache(m_cacheDir, "Default");
-        cache.prepareCacheForUse();
-        cache.updateCache(m_repository, false);
-        QCOMPARE(listing(m_cacheDir), repositoryListing);
-        cache.updateCache(m_dir->filePath("missing"), true);
-        QCOMPARE(listing(m_cacheDir), repositoryListing);
+        for (int round = 0; round < 2; ++round) {
+            cache.prepareCacheForUse();
+            QCOMPARE(listing(m_cacheDir + "/Default"), QString("Signal.ssf Signal.wav Signal.xml"));
+            QVERIFY(cache.defaultSignalPackage());
+            QCOMPARE(describe(*cache.defaultSignalPackage()),
+                QString("/Default/Default t1289821292 [] Default/Varnow-Heide bw10000 m0 '' d3000 "
+                        "100"));
+            QCOMPARE(
+                lookUp(cache, "/Default/Default"), QString("/Default/Default 1.27541e-09 0 - -"));
+        }
     }
 
     void lookups_data()
@@ -132,80 +120,62 @@ private Q_SLOTS:
         QFETCH(QString, id);
         QFETCH(bool, valid);
         QFETCH(QString, found);
-        SignalPackageCache cache(m_cacheDir, "Default");
-        cache.prepareCacheForUse();
-        cache.updateCache(m_repository, false);
-        QCOMPARE(cache.validSignalPackageId(id), valid);
-        QCOMPARE(lookUp(cache, id), found);
+        const auto cache = filledCache();
+        QCOMPARE(cache->validSignalPackageId(id), valid);
+        QCOMPARE(lookUp(*cache, id), found);
         // Twice: the same descriptor, or again the default with nothing stored.
-        const std::shared_ptr<SignalPackage> first = cache.signalPackage(id);
-        QCOMPARE(cache.signalPackage(id), valid ? first : cache.defaultSignalPackage());
-        QCOMPARE(lookUp(cache, id), found);
+        const std::shared_ptr<SignalPackage> first = cache->signalPackage(id);
+        QCOMPARE(cache->signalPackage(id), valid ? first : cache->defaultSignalPackage());
+        QCOMPARE(lookUp(*cache, id), found);
     }
 
     void missingDataIsLookedForAgain()
     {
-        SignalPackageCache cache(m_cacheDir, "Default");
-        cache.prepareCacheForUse();
-        cache.updateCache(m_repository, false);
-        const std::shared_ptr<SignalPackage> gamma = cache.signalPackage("/Gamma");
-        QVERIFY(!cache.symbolDataFile(gamma));
+        const auto cache = filledCache();
+        const std::shared_ptr<SignalPackage> gamma = cache->signalPackage("/Gamma");
+        QVERIFY(!cache->symbolDataFile(gamma));
         QVERIFY(!writeFile(m_cacheDir + "/_Gamma.sdf", symbolData(5)).isEmpty());
-        SymbolDataFile *symbols = cache.symbolDataFile(gamma);
+        SymbolDataFile *symbols = cache->symbolDataFile(gamma);
         QVERIFY(symbols && symbols->length() == 500);
-        QCOMPARE(cache.symbolDataFile(gamma), symbols);
+        QCOMPARE(cache->symbolDataFile(gamma), symbols);
     }
 
-    // Only what is missing is copied: new files and packages come, a changed file stays stale
-    // and a cache file is never overwritten.
+    // The repository's packages are copied flat. Later only what is missing is copied: new files
+    // and packages come, a changed file stays stale and a cache file is never overwritten. A
+    // missing repository changes nothing.
     void secondUpdateCopiesOnlyWhatIsNew()
     {
-        SignalPackageCache cache(m_cacheDir, "Default");
-        cache.prepareCacheForUse();
-        cache.updateCache(m_repository, false);
+        const auto cache = filledCache();
+        QCOMPARE(listing(m_cacheDir), repositoryListing);
+        cache->updateCache(m_dir->filePath("missing"), true);
         QVERIFY(QFile::resize(m_cacheDir + "/_Lib1_Alpha.wav", 0));
         QVERIFY(QFile::remove(m_cacheDir + "/_Lib1_Beta.sdf"));
         QVERIFY(!writeFile(m_repository + "/Gamma/Signal.rdf", resultData(30)).isEmpty());
         QVERIFY(!writeFile(m_repository + "/Lib1/Alpha/Signal.ssf", numberedShape(5)).isEmpty());
         QVERIFY(
             writePackage(m_repository + "/Lib1/Delta", descriptor("/Lib1/Delta"), 4, { "ssf" }));
-        cache.updateCache(m_repository, false);
+        cache->updateCache(m_repository, false);
         QCOMPARE(listing(m_cacheDir),
             QString(repositoryListing)
                 .replace("_Gamma.ssf", "_Gamma.rdf _Gamma.ssf")
                 .replace("_Lib1_Beta.xml", "_Lib1_Beta.xml _Lib1_Delta.ssf _Lib1_Delta.xml"));
         QCOMPARE(QFileInfo(m_cacheDir + "/_Lib1_Alpha.wav").size(), 0);
-        QCOMPARE(lookUp(cache, "/Lib1/Alpha").section(' ', 0, 1), QString("/Lib1/Alpha 1"));
-        QCOMPARE(lookUp(cache, "/Gamma"), QString("/Gamma 3 3 - 3000"));
+        QCOMPARE(lookUp(*cache, "/Lib1/Alpha").section(' ', 0, 1), QString("/Lib1/Alpha 1"));
+        QCOMPARE(lookUp(*cache, "/Gamma"), QString("/Gamma 3 3 - 3000"));
     }
 
     void clearingRemovesTheFilesOnly()
     {
-        SignalPackageCache cache(m_cacheDir, "Default");
-        cache.prepareCacheForUse();
-        cache.updateCache(m_repository, false);
-        const QString before = lookUp(cache, "/Lib1/Alpha");
-        cache.clearCache();
+        const auto cache = filledCache();
+        const QString before = lookUp(*cache, "/Lib1/Alpha");
+        cache->clearCache();
         QCOMPARE(listing(m_cacheDir), QString("Default/"));
-        QVERIFY(cache.validSignalPackageId("/Lib1/Alpha"));
-        QVERIFY(!cache.validSignalPackageId("/Gamma"));
+        QVERIFY(cache->validSignalPackageId("/Lib1/Alpha"));
+        QVERIFY(!cache->validSignalPackageId("/Gamma"));
         // Loaded objects keep their open files.
-        QCOMPARE(lookUp(cache, "/Lib1/Alpha"), before);
-        cache.updateCache(m_repository, false);
+        QCOMPARE(lookUp(*cache, "/Lib1/Alpha"), before);
+        cache->updateCache(m_repository, false);
         QCOMPARE(listing(m_cacheDir), repositoryListing);
-    }
-
-    void deletingForgetsEverythingLoaded()
-    {
-        SignalPackageCache cache(m_cacheDir, "Default");
-        cache.prepareCacheForUse();
-        cache.updateCache(m_repository, false);
-        const std::shared_ptr<SignalPackage> alpha = cache.signalPackage("/Lib1/Alpha");
-        QVERIFY(cache.audioFile(alpha) && cache.audioFile(cache.defaultSignalPackage()));
-        cache.deleteAllSignalpackages();
-        QVERIFY(cache.signalPackage("/Lib1/Alpha") != alpha);
-        QCOMPARE(lookUp(cache, "/Lib1/Alpha"), QString("/Lib1/Alpha 1 1 1000 1000"));
-        QCOMPARE(cache.defaultSignalPackage()->id(), QString("/Default/Default"));
     }
 
     // Eight threads look packages up and read their data while another fills the cache.
@@ -250,12 +220,24 @@ private Q_SLOTS:
             reader.join();
         QCOMPARE(wrong.load(), 0);
         QCOMPARE(listing(m_cacheDir), repositoryListing);
-        // Objects made while the files were cleared away keep the default's data: start anew.
+        // Objects made while the files were cleared away keep the default's data: deleting
+        // forgets every loaded object, the default's too, and starts anew.
+        const std::shared_ptr<SignalPackage> alpha = cache.signalPackage("/Lib1/Alpha");
         cache.deleteAllSignalpackages();
+        QVERIFY(cache.signalPackage("/Lib1/Alpha") != alpha);
         QCOMPARE(lookUp(cache, "/Old/Alpha"), QString("/Lib1/Alpha 1 1 1000 1000"));
+        QCOMPARE(cache.defaultSignalPackage()->id(), QString("/Default/Default"));
     }
 
 private:
+    std::unique_ptr<SignalPackageCache> filledCache()
+    {
+        auto cache = std::make_unique<SignalPackageCache>(m_cacheDir, "Default");
+        cache->prepareCacheForUse();
+        cache->updateCache(m_repository, false);
+        return cache;
+    }
+
     QScopedPointer<QTemporaryDir> m_dir;
     QString m_repository;
     QString m_cacheDir;

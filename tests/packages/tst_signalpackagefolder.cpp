@@ -6,22 +6,6 @@
 
 using namespace Simulation;
 
-namespace {
-
-// "id name timestamp duration [audio] [symbols] [results]".
-QString flat(const SignalPackage &package)
-{
-    return QStringLiteral("%1 %2 %3 %4%5%6%7")
-        .arg(package.id(), package.name())
-        .arg(package.timestamp())
-        .arg(package.duration())
-        .arg(package.hasAudioContent() ? " audio" : "")
-        .arg(package.hasSymbolDataContent() ? " symbols" : "")
-        .arg(package.hasResultDataContent() ? " results" : "");
-}
-
-} // namespace
-
 class tst_SignalPackageFolder : public QObject
 {
     Q_OBJECT
@@ -36,13 +20,13 @@ private Q_SLOTS:
             "folder", "xml", "contents", "valid", "package");
         row("every file", QString("Alpha"), descriptor("/L/A"),
             QStringList { "ssf", "wav", "sdf", "rdf" }, true,
-            QString("/L/A Alpha 7 3000 audio symbols results"));
+            QString("/L/A t7 [] Alpha/ bw0 m0 '' d3000 111"));
         row("symbols without audio", QString("Beta"), descriptor("/L/B"), QStringList { "sdf" },
-            true, QString("/L/B Beta 7 3000 symbols"));
+            true, QString("/L/B t7 [] Beta/ bw0 m0 '' d3000 010"));
         row("name up to the first full stop", QString("a.b"), descriptor("/L/C"), QStringList(),
-            true, QString("/L/C a 7 3000"));
+            true, QString("/L/C t7 [] a/ bw0 m0 '' d3000 000"));
         row("shape alone is no package", QString("Shape"), QByteArray(),
-            QStringList { "ssf", "wav" }, false, QString(" Shape 0 0 audio"));
+            QStringList { "ssf", "wav" }, false, QString(" t0 [] Shape/ bw0 m0 '' d0 100"));
     }
 
     void packages()
@@ -57,7 +41,7 @@ private Q_SLOTS:
         if (xml.isEmpty())
             QVERIFY(QFile::remove(path + "/Signal.xml"));
         QCOMPARE(SignalPackageFolder::isValid(path), valid);
-        QCOMPARE(flat(SignalPackageFolder::signalPackage(path)), package);
+        QCOMPARE(describe(SignalPackageFolder::signalPackage(path)), package);
     }
 
     void setSignalPackageWritesTheDescriptor()
@@ -68,8 +52,8 @@ private Q_SLOTS:
         const QString folder = m_dir.filePath("Written");
         QVERIFY(QDir().mkpath(folder));
         SignalPackageFolder::setSignalPackage(folder, package);
-        QCOMPARE(flat(SignalPackageFolder::signalPackage(folder)),
-            QString("/Written/One Written 0 1234"));
+        QCOMPARE(describe(SignalPackageFolder::signalPackage(folder)),
+            QString("/Written/One t0 [] Written/ bw0 m0 '' d1234 000"));
         // A folder that doesn't exist takes nothing and reports nothing.
         SignalPackageFolder::setSignalPackage(m_dir.filePath("missing"), package);
         QVERIFY(!QFile::exists(m_dir.filePath("missing")));

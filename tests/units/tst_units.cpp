@@ -10,7 +10,8 @@ class tst_Units : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    // Units and Coord number the formats differently: stored numbers go through this mapping.
+    // Units and Coord number the formats differently: stored numbers and text go through this
+    // mapping.
     void formatMapping()
     {
         const CoordFormat coordFormats[]
@@ -20,11 +21,8 @@ private Q_SLOTS:
                 && Position::coordFormatToFormat(coordFormats[i]) == Position::Format(i));
         for (CoordFormat unknown : { CoordReserved5, CoordReserved6 })
             QCOMPARE(Position::coordFormatToFormat(unknown), Position::FormatDecimal);
-    }
 
-    // The locator has another number in Coord: these pass only through the format map.
-    void positionTextGoesThroughCoord()
-    {
+        // The locator has another number in Coord: these pass only through the format map.
         const QString text = QStringLiteral("JN58re");
         QCOMPARE(Position::toString(Position_t(11.42, 48.19), Position::FormatQth), text);
         QVERIFY(Position::validString(text, Position::FormatQth)
