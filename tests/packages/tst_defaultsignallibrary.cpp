@@ -20,17 +20,6 @@ const QStringList libraryEntries = { "VuH-Default/", "VuH-Default/.library", "Vu
     "VuH-Default/Rect 10kHz/Signal.xml" };
 const QStringList packageFolders = { "Default", "Gauss 10kHz", "Rect 10kHz" };
 
-// Standard output of a tool nobody here wrote; a failure gives "(failed)".
-QByteArray run(const QString &program, const QStringList &arguments)
-{
-    QProcess process;
-    process.start(program, arguments);
-    if (!process.waitForFinished(60000) || process.exitStatus() != QProcess::NormalExit
-        || process.exitCode() != 0)
-        return "(failed)";
-    return process.readAllStandardOutput();
-}
-
 } // namespace
 
 // The default signal library as the library carries it, checked against tools nobody here
@@ -55,12 +44,13 @@ private Q_SLOTS:
 
     void archivesPassUnzipInTableOrder()
     {
-        QCOMPARE(run("unzip", { "-Z1", m_dir.filePath("VuH-Default.zip") }),
+        QCOMPARE(runTool("unzip", { "-Z1", m_dir.filePath("VuH-Default.zip") }),
             libraryEntries.join('\n').toUtf8() + '\n');
-        QCOMPARE(run("unzip", { "-Z1", m_dir.filePath("Default.zip") }),
+        QCOMPARE(runTool("unzip", { "-Z1", m_dir.filePath("Default.zip") }),
             QByteArray("Signal.ssf\nSignal.wav\nSignal.xml\n"));
         for (const QString name : { "VuH-Default.zip", "Default.zip" })
-            QVERIFY(run("unzip", { "-tq", m_dir.filePath(name) }).startsWith("No errors detected"));
+            QVERIFY(
+                runTool("unzip", { "-tq", m_dir.filePath(name) }).startsWith("No errors detected"));
         // The default package alone holds the same files as its folder in the library.
         OvZip::Archive archive(m_dir.filePath("Default.zip"));
         QVERIFY(archive.open(OvZip::Archive::ZipRead));
@@ -84,7 +74,7 @@ private Q_SLOTS:
             while (matches.hasNext())
                 stated += matches.next().captured(1) + '\n';
         }
-        const QByteArray computed = run("python3",
+        const QByteArray computed = runTool("python3",
             QStringList { "-c",
                 "import sys, zlib\n"
                 "for name in sys.argv[1:]: print(zlib.crc32(open(name, 'rb').read()))" }
@@ -112,9 +102,9 @@ private Q_SLOTS:
         const QString wav = m_library.filePath("Default/Signal.wav");
         QStringList facts;
         for (const char *option : { "-c", "-b", "-r", "-s" })
-            facts << QString::fromLatin1(run("soxi", { option, wav })).trimmed();
+            facts << QString::fromLatin1(runTool("soxi", { option, wav })).trimmed();
         QCOMPARE(facts.join(' '), QString("1 16 32000 95990"));
-        const QByteArray frames = run("python3",
+        const QByteArray frames = runTool("python3",
             { "-c",
                 "import sys, wave\n"
                 "w = wave.open(sys.argv[1])\n"

@@ -27,13 +27,10 @@ Coord read(const QString &text, CoordFormat format)
 // GeographicLib's GeoConvert: "-u" for UTM, "-m" for MGRS.
 QString geoConvert(const QString &option, double lon, double lat)
 {
-    QProcess process;
-    process.start("GeoConvert", { option, "-p", "0" });
-    process.write(QStringLiteral("%1 %2\n").arg(lat, 0, 'g', 17).arg(lon, 0, 'g', 17).toUtf8());
-    process.closeWriteChannel();
-    return process.waitForFinished(10000)
-        ? QString::fromUtf8(process.readAllStandardOutput()).trimmed()
-        : QString();
+    return QString::fromUtf8(
+        runTool("GeoConvert", { option, "-p", "0" },
+            QStringLiteral("%1 %2\n").arg(lat, 0, 'g', 17).arg(lon, 0, 'g', 17).toUtf8()))
+        .trimmed();
 }
 
 } // namespace

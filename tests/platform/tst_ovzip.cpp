@@ -22,11 +22,7 @@ QStringList filesBelow(const QString &folder)
 
 bool succeeds(const QString &program, const QStringList &arguments, const QByteArray &input = {})
 {
-    QProcess process;
-    process.start(program, arguments);
-    process.write(input);
-    process.closeWriteChannel();
-    return process.waitForFinished(60000) && process.exitCode() == 0;
+    return runTool(program, arguments, input) != "(failed)";
 }
 
 } // namespace

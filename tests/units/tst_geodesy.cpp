@@ -8,22 +8,6 @@ using namespace Simulation;
 
 Q_DECLARE_METATYPE(TPos)
 
-// GeodSolve (GeographicLib) on one line of four numbers; the numbers of its answer.
-static QVector<double> geodSolve(const QStringList &options, double a, double b, double c, double d)
-{
-    QProcess process;
-    process.start("GeodSolve", options + QStringList { "-p", "9" });
-    process.write(QString::asprintf("%.17g %.17g %.17g %.17g\n", a, b, c, d).toUtf8());
-    process.closeWriteChannel();
-    process.waitForFinished(10000);
-    QVector<double> numbers;
-    for (const QString &word : QString::fromUtf8(process.readAllStandardOutput())
-                                   .simplified()
-                                   .split(QLatin1Char(' '), Qt::SkipEmptyParts))
-        numbers << word.toDouble();
-    return numbers;
-}
-
 static const char NoGeodSolve[] = "GeodSolve (geographiclib-tools) failed or is not installed";
 
 class tst_Geodesy : public QObject
@@ -46,7 +30,7 @@ private Q_SLOTS:
     {
         QFETCH(TPos, from);
         QFETCH(TPos, to);
-        const QVector<double> out = geodSolve({ "-i" }, from.lat, from.lon, to.lat, to.lon);
+        const QVector<double> out = geodSolve({ "-i" }, { from.lat, from.lon, to.lat, to.lon });
         QVERIFY2(out.size() == 3, NoGeodSolve);
         const double expectedAzimuth = out[0] < 0 ? out[0] + 360.0 : out[0];
         QVERIFY(qAbs(azimuth(from, to) - expectedAzimuth) < 1e-9
