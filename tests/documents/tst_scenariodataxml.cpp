@@ -290,25 +290,6 @@ private Q_SLOTS:
         releaseScenario(document.scenarioObjects());
     }
 
-    // A document cut at any byte reads what stands before the cut: at least every object
-    // whose start tag is whole.
-    void everyPrefixReads()
-    {
-        const Objects objects = generatedScenario(5, 1, 1, nullptr);
-        const QByteArray xml = ScenarioDataXml::xmlForObjects(objects, nullptr).toUtf8();
-        releaseScenario(objects);
-        const int rootRead = xml.indexOf('>', xml.indexOf("<Scenario "));
-        const QRegularExpression object(QStringLiteral("<(Emitter|Network) ID=[^>]*>"));
-        for (int cut = 0; cut <= xml.size(); ++cut) {
-            ScenarioDataXml document(nullptr);
-            QCOMPARE(document.fromXml(xml.left(cut)), cut > rootRead);
-            const Objects read = document.scenarioObjects();
-            QVERIFY(read.size() >= QString(xml.left(cut)).count(object));
-            QVERIFY(cut < xml.size() || read.size() == 6);
-            releaseScenario(read);
-        }
-    }
-
     void badInput_data()
     {
         columns<QByteArray, int>("xml", "objects");
@@ -376,17 +357,19 @@ private Q_SLOTS:
         releaseScenario(document.scenarioObjects());
     }
 
-    void fragments()
+    // A fragment holds the objects given: a member outside them is dropped. Cut at any byte, it
+    // reads what stands before the cut: at least every object whose start tag is whole.
+    void fragmentsAndPrefixes()
     {
         QVERIFY(ScenarioDataXml::objectsForXml(QStringLiteral("<Deployment/>"), nullptr).isEmpty());
-        const Objects generated = generatedScenario(5, 0, 1, nullptr);
+        const Objects generated = generatedScenario(5, 1, 1, nullptr);
         Objects part = generated;
         for (const auto &object : generated) {
             if (object->id() == QLatin1String("E4"))
                 part.remove(object);
         }
-        // A member outside the objects is dropped.
         const QString xml = ScenarioDataXml::xmlForObjects(part, nullptr);
+        releaseScenario(generated);
         QVERIFY(xml.contains(QStringLiteral("Name=\"\" Author=\"\" Uid=\"-")));
         const Objects objects = ScenarioDataXml::objectsForXml(xml, nullptr);
         QCOMPARE(describeScenario(objects).last(),
@@ -394,7 +377,17 @@ private Q_SLOTS:
                            "M50000: 0+5000>E0@-#0 10000+5000>E1@-#1 20000+5000>E2@-#2 "
                            "30000+5000>E3@-#3 40000+5000>E4@-#4 | 0[e0 e1 e2 e3 e4]"));
         releaseScenario(objects);
-        releaseScenario(generated);
+
+        const int rootRead = xml.indexOf('>', xml.indexOf("<Scenario "));
+        const QRegularExpression object(QStringLiteral("<(Emitter|Network) ID=[^>]*>"));
+        for (int cut = 0; cut <= xml.size(); ++cut) {
+            ScenarioDataXml document(nullptr);
+            QCOMPARE(document.fromXml(xml.left(cut).toUtf8()), cut > rootRead);
+            const Objects read = document.scenarioObjects();
+            QVERIFY(read.size() >= xml.left(cut).count(object));
+            QVERIFY(cut < xml.size() || read.size() == 6);
+            releaseScenario(read);
+        }
     }
 };
 
