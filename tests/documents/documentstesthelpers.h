@@ -6,9 +6,6 @@
 #include "generatedscenario.h"
 #include "testhelpers.h"
 
-#include <algorithm>
-#include <vector>
-
 namespace Simulation {
 
 inline QString num(double value)
@@ -167,23 +164,5 @@ inline QStringList readObjects(const QByteArray &xml, ISignalPackageProvider *pr
     releaseScenario(objects);
     return lines;
 }
-
-// Watches objects die: after releaseScenario and the last owner letting go, none may be left.
-class Survivors
-{
-public:
-    explicit Survivors(const Objects &objects)
-        : m_watched(objects.begin(), objects.end())
-    {
-    }
-    long count() const
-    {
-        return std::count_if(m_watched.begin(), m_watched.end(),
-            [](const std::weak_ptr<ScenarioObject> &object) { return !object.expired(); });
-    }
-
-private:
-    std::vector<std::weak_ptr<ScenarioObject>> m_watched;
-};
 
 } // namespace Simulation

@@ -3,9 +3,10 @@
 #include <QDomDocument>
 #include <QFile>
 #include <QProcess>
-#include <QStandardPaths>
 #include <QTemporaryDir>
 #include <QtTest>
+
+#include <vector>
 
 using namespace Simulation;
 
@@ -49,52 +50,40 @@ class tst_DefaultScenario : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void loads()
+    // Every frequency kind and route end, the network, the link, the long route, a package on
+    // every emission; and no emitter silent.
+    void loadsAndPlays()
     {
         FakeProvider provider;
         ScenarioDataXml document(&provider);
         QVERIFY(document.fromXmlFile(QStringLiteral(":/DefaultData/Default.sce.exp")));
-        QCOMPARE(QStringLiteral("%1 %2").arg(document.getName()).arg(document.getDuration()),
-            QStringLiteral("Default 600000"));
+        QCOMPARE(QStringLiteral("%1 %2 %3")
+                     .arg(document.getName())
+                     .arg(document.getDuration())
+                     .arg(document.getDefaultEmitter()->id()),
+            QStringLiteral("Default 600000 EM01"));
         QVERIFY(!document.isOlderFileVersion());
-        QCOMPARE(document.getNoiseSettings().azimuthErrorDeviation(), 1.0);
-        QCOMPARE(document.getDefaultEmitter()->id(), QStringLiteral("EM01"));
         const Objects objects = document.scenarioObjects();
         QCOMPARE(Cast::emitter(objects).size(), 16);
+        const QString all = describeScenario(objects).join(QLatin1Char('\n'));
+        for (const char *piece : { "\nEM07 ", " link=EM06 ", "fixed 8e+07",
+                 "chirp 1.5e+07-1.7e+07/2000+0.25", "chirp 5.6e+07-5.65e+07/10000+0.8",
+                 "fast 4.45e+07-4.65e+07", "slow INACTIVE", "slow RESTART", "slow STOP",
+                 "route INACTIVE [", "route RESTART [", "route STOP [", "0+8509 ", "1.56788e-299",
+                 "net NET01 'Border network' #006400 H head=EM08 [EM08 EM09 EM10 EM11]",
+                 "@/Default/Default#" })
+            QVERIFY2(all.contains(piece), piece);
+        QVERIFY(!all.contains("@-"));
 
-        // Every frequency kind and route end, the network, the link, the long route.
-        QSet<QString> seen;
-        for (const auto &object : objects) {
-            for (const auto &emission : object->ScenarioObject::emissionSettings()->emissions())
-                seen << "package " + emission->signalPackage->id();
-            if (const auto network = Cast::network(object))
-                seen << describeNetwork(network).section(" fixed", 0, 0).section(" slow", 0, 0);
-            const auto emitter = Cast::emitter(object);
-            if (!emitter)
-                continue;
-            seen << describeFrequency(emitter->getFrequencySettings()).section(' ', 0, 1);
-            if (emitter->isLinked())
-                seen << emitter->id() + " rides with " + emitter->linkTargetEmitter()->id();
-            if (const auto *route
-                = dynamic_cast<const PositionSettingsPtp *>(emitter->positionSettings()))
-                seen << QStringLiteral("%1 route %2 ms, last leg %3, first speed %4")
-                            .arg(endText(route->getEndBehavior()))
-                            .arg(route->activeUntil())
-                            .arg(route->getMovments().last().transitionTime)
-                            .arg(num(route->getMovments().first().speed));
+        QStringList silent;
+        for (const auto &emitter : Cast::emitter(objects)) {
+            int records = 0;
+            for (uint start = 0; start < document.getDuration(); start += 100)
+                records += emitter->calculateBursts(start, 100, 10000.0).size();
+            if (records < 10)
+                silent << emitter->id();
         }
-        QStringList kinds = seen.values();
-        kinds.sort();
-        QCOMPARE(kinds.filter(QRegularExpression("^(?!fixed)")),
-            QStringList({ "EM07 rides with EM06",
-                "INACTIVE route 300922 ms, last leg 8509, first speed 1.56788e-299",
-                "RESTART route 4294967295 ms, last leg 0, first speed 1.56788e-299",
-                "STOP route 4294967295 ms, last leg 0, first speed 1.56788e-299",
-                "chirp 1.5e+07-1.7e+07/2000+0.25", "chirp 5.6e+07-5.65e+07/10000+0.8",
-                "fast 4.45e+07-4.65e+07",
-                "net NET01 'Border network' #006400 H head=EM08 [EM08 EM09 EM10 EM11]",
-                "package /Default/Default", "slow INACTIVE", "slow RESTART", "slow STOP" }));
-        QVERIFY(kinds.contains("fixed 8e+07"));
+        QCOMPARE(silent, QStringList());
         releaseScenario(objects);
     }
 
@@ -110,8 +99,6 @@ private Q_SLOTS:
         QDomDocument before, after;
         QVERIFY(before.setContent(original) && after.setContent(saved));
         QDomElement root = after.documentElement();
-        QCOMPARE(root.attribute("FileFormatVersion"), QStringLiteral("4"));
-        QCOMPARE(root.attribute("Uid"), before.documentElement().attribute("Uid"));
         // Written although the file lacks it: the default stood in.
         QDomElement noise = root.firstChildElement("NoiseSettings");
         QCOMPARE(
@@ -119,33 +106,10 @@ private Q_SLOTS:
             QStringLiteral("1"));
         QCOMPARE(canonical(root).split('\n'), canonical(before.documentElement()).split('\n'));
 
-        const QString xmllint = QStandardPaths::findExecutable(QStringLiteral("xmllint"));
-        if (xmllint.isEmpty())
-            QSKIP("xmllint is not installed");
         QTemporaryDir dir;
         const QString path = writeFile(dir.filePath(QStringLiteral("saved.scexml")), saved);
-        QProcess lint;
-        lint.start(xmllint, { QStringLiteral("--noout"), path });
-        QVERIFY(lint.waitForFinished(30000));
         QCOMPARE(
-            lint.readAllStandardError() + QByteArray::number(lint.exitCode()), QByteArray("0"));
-    }
-
-    void playsWithNoEmitterSilent()
-    {
-        ScenarioDataXml document(nullptr);
-        QVERIFY(document.fromXml(resource()));
-        const Objects objects = document.scenarioObjects();
-        QStringList silent;
-        for (const auto &emitter : Cast::emitter(objects)) {
-            int records = 0;
-            for (uint start = 0; start < document.getDuration(); start += 100)
-                records += emitter->calculateBursts(start, 100, 10000.0).size();
-            if (records < 10)
-                silent << emitter->id();
-        }
-        QCOMPARE(silent, QStringList());
-        releaseScenario(objects);
+            QProcess::execute(QStringLiteral("xmllint"), { QStringLiteral("--noout"), path }), 0);
     }
 
     // Whatever a document built dies with releaseScenario and the last owner letting go.
@@ -153,10 +117,6 @@ private Q_SLOTS:
     {
         columns<QByteArray>("xml");
         row("default scenario", resource());
-        const Objects generated = generatedScenario(200, 5, 6, std::make_shared<SignalPackage>());
-        row("generated, with networks and links",
-            ScenarioDataXml::xmlForObjects(generated, nullptr).toUtf8());
-        releaseScenario(generated);
         row("timetables read twice, cyclic groups, self links, a link ring, references only",
             QByteArray("<Scenario><Emitter ID='A' LinkTarget='A'><EmissionSettings Duration='9'>"
                        "<Emission ID='0' StartTime='1' Duration='1' Emitter='Ghost'/><Groups>"
@@ -176,13 +136,16 @@ private Q_SLOTS:
         auto document = std::make_unique<ScenarioDataXml>(&provider);
         QVERIFY(document->fromXml(xml));
         document->toXml();
-        Objects objects = document->scenarioObjects();
-        const Survivors survivors(objects);
-        QVERIFY(survivors.count() > 0);
-        releaseScenario(objects);
-        objects.clear();
+        std::vector<std::weak_ptr<ScenarioObject>> watched;
+        {
+            const Objects objects = document->scenarioObjects();
+            QVERIFY(!objects.isEmpty());
+            watched.assign(objects.begin(), objects.end());
+            releaseScenario(objects);
+        }
         document.reset();
-        QCOMPARE(survivors.count(), 0L);
+        for (const auto &object : watched)
+            QVERIFY(object.expired());
     }
 };
 
