@@ -19,41 +19,47 @@ using Simulation::WaitDisplayWidget;
 
 namespace {
 
-// "Class:name(children...)" down the object tree.
-QString tree(const QObject *object)
+// "Class:name(children...)" down the object tree, then the class's own methods in order.
+QString tree(const QObject *object, bool withMethods = true)
 {
     QStringList children;
     for (const QObject *child : object->children())
-        children << tree(child);
-    const QString text = QString(object->metaObject()->className()) + ':' + object->objectName();
-    return children.isEmpty() ? text : text + '(' + children.join(' ') + ')';
+        children << tree(child, false);
+    QString text = QString(object->metaObject()->className()) + ':' + object->objectName();
+    if (!children.isEmpty())
+        text += '(' + children.join(' ') + ')';
+    const QMetaObject *meta = object->metaObject();
+    for (int i = meta->methodOffset(); withMethods && i < meta->methodCount(); ++i)
+        text += ' ' + meta->method(i).methodSignature();
+    return text;
 }
 
-// The named properties' values, blank-separated: enumerations by their keys, sizes as "WxH",
-// policies as "H/V"; "tree" gives the object tree and the class's own methods in order.
-QString properties(const QObject *object, const QString &names)
+// "name=value" for each of the blank-separated names of want, "child.name" for a child's
+// property: enumerations by their keys, sizes as "WxH", policies as "H/V".
+QString properties(const QObject *top, const QString &want)
 {
-    const QMetaObject *meta = object->metaObject();
     const QMetaEnum policy = QMetaEnum::fromType<QSizePolicy::Policy>();
     QStringList values;
-    for (const QString &name : names.split(' ')) {
-        const QMetaProperty property = meta->property(meta->indexOfProperty(qPrintable(name)));
-        const QVariant value = property.read(object);
-        if (name == QLatin1String("tree")) {
-            values << tree(object);
-            for (int i = meta->methodOffset(); i < meta->methodCount(); ++i)
-                values << meta->method(i).methodSignature();
-        } else if (property.isEnumType()) {
-            values << property.enumerator().valueToKeys(value.toInt());
-        } else if (value.userType() == QMetaType::QSize) {
-            values
-                << QStringLiteral("%1x%2").arg(value.toSize().width()).arg(value.toSize().height());
-        } else if (value.userType() == QMetaType::QSizePolicy) {
-            values << QString(policy.valueToKey(value.value<QSizePolicy>().horizontalPolicy()))
-                    + '/' + policy.valueToKey(value.value<QSizePolicy>().verticalPolicy());
-        } else {
-            values << value.toString();
+    for (const QString &item : want.split(' ')) {
+        const QString path = item.section('=', 0, 0), name = path.section('.', -1);
+        const QObject *object
+            = name == path ? top : top->findChild<QObject *>(path.section('.', 0, 0));
+        if (!object) {
+            values << path + "=(no such object)";
+            continue;
         }
+        const QMetaProperty property = object->metaObject()->property(
+            object->metaObject()->indexOfProperty(qPrintable(name)));
+        const QVariant value = property.read(object);
+        QString text = value.toString();
+        if (property.isEnumType())
+            text = property.enumerator().valueToKeys(value.toInt());
+        else if (value.userType() == QMetaType::QSize)
+            text = QStringLiteral("%1x%2").arg(value.toSize().width()).arg(value.toSize().height());
+        else if (value.userType() == QMetaType::QSizePolicy)
+            text = QString(policy.valueToKey(value.value<QSizePolicy>().horizontalPolicy())) + '/'
+                + policy.valueToKey(value.value<QSizePolicy>().verticalPolicy());
+        values << path + '=' + text;
     }
     return values.join(' ');
 }
@@ -138,47 +144,33 @@ private Q_SLOTS:
         QVERIFY(saveArtefact(sheet, QStringLiteral("pictures.png")));
     }
 
-    void builtAsDesigned_data()
+    // The object trees with the classes' own methods in order, and the set-up of each object.
+    void builtAsDesigned()
     {
-        columns<bool, QString, QString, QString>("wait", "object", "properties", "values");
-        row("LED tree", false, QString(), QString("tree"),
+        LedWidget led;
+        WaitDisplayWidget dialog;
+        QCOMPARE(tree(&led),
             QString("LedWidget:LedWidget(QHBoxLayout:horizontalLayout QLabel:activeLed "
                     "QLabel:textLabel) setText(QString) setLedActive(bool) activeateLed() "
                     "deactivateLed()"));
-        row("LED", false, QString(), QString("windowTitle sizePolicy"),
-            QString("Form Preferred/Preferred"));
-        row("LED layout", false, QString("horizontalLayout"), QString("spacing margin"),
-            QString("4 0"));
-        row("LED lamp", false, QString("activeLed"), QString("text enabled"), QString(" true"));
-        row("LED text", false, QString("textLabel"), QString("text textFormat openExternalLinks"),
-            QString("Text AutoText false"));
-        row("dialog tree", true, QString(), QString("tree"),
+        QCOMPARE(tree(&dialog),
             QString("Simulation::WaitDisplayWidget:WaitDisplayWidget(QVBoxLayout:verticalLayout "
                     "QLabel:messageLabel QProgressBar:progressBar QWidget:cancelBox("
                     "QHBoxLayout:cancelLayout QPushButton:cancelButton)) canceled() timeout() "
                     "finished() reject()"));
-        row("dialog", true, QString(),
-            QString("windowTitle size minimumSize maximumSize sizePolicy windowModality modal"),
-            QString("Dialog 400x94 400x0 400x16777215 Expanding/Expanding ApplicationModal true"));
-        row("message", true, QString("messageLabel"), QString("text alignment"),
-            QString("TextLabel AlignCenter"));
-        row("bar", true, QString("progressBar"),
-            QString("minimum maximum value textVisible invertedAppearance"),
-            QString("0 10 0 false false"));
-        row("cancel", true, QString("cancelButton"), QString("text"), QString("Cancel"));
-    }
-    void builtAsDesigned()
-    {
-        QFETCH(bool, wait);
-        QFETCH(QString, object);
-        QFETCH(QString, properties);
-        QFETCH(QString, values);
-        LedWidget led;
-        WaitDisplayWidget dialog;
-        QWidget &top = wait ? static_cast<QWidget &>(dialog) : led;
-        const QObject *target = object.isEmpty() ? &top : top.findChild<QObject *>(object);
-        QVERIFY(target);
-        QCOMPARE(::properties(target, properties), values);
+        const QString ledSetUp = "windowTitle=Form sizePolicy=Preferred/Preferred "
+                                 "horizontalLayout.spacing=4 horizontalLayout.margin=0 "
+                                 "activeLed.text= activeLed.enabled=true textLabel.text=Text "
+                                 "textLabel.textFormat=AutoText textLabel.openExternalLinks=false";
+        QCOMPARE(properties(&led, ledSetUp), ledSetUp);
+        const QString dialogSetUp
+            = "windowTitle=Dialog size=400x94 minimumSize=400x0 maximumSize=400x16777215 "
+              "sizePolicy=Expanding/Expanding windowModality=ApplicationModal modal=true "
+              "messageLabel.text=TextLabel messageLabel.alignment=AlignCenter "
+              "progressBar.minimum=0 progressBar.maximum=10 progressBar.value=0 "
+              "progressBar.textVisible=false progressBar.invertedAppearance=false "
+              "cancelButton.text=Cancel";
+        QCOMPARE(properties(&dialog, dialogSetUp), dialogSetUp);
     }
 
     // On a transparent window ground the lamp's centre shows its colour and the corners of its
