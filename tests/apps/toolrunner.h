@@ -67,12 +67,12 @@ private:
     QVERIFY2(name.finish() && name.status() == (expected),                                         \
         qPrintable(QStringLiteral("status %1, stderr: %2").arg(name.status()).arg(name.err())))
 
-// A mistake gives one line on standard error (the usage follows it only with no arguments at
-// all), nothing on standard output, and its status. The table's columns: the arguments,
-// blank-separated, with SMALL for the small scenario, BUSY for a port in use and FREE for a port
-// nobody listens on; the status; the start of the message after "radiosim COMMAND: ", or all of
-// it where it starts "radiosim".
-inline void runMistake()
+// On success the message starts standard output and standard error stays empty; a mistake gives
+// one line on standard error (the usage follows it only with no arguments at all) and nothing on
+// standard output. The table's columns: the arguments, blank-separated, with SMALL for the small
+// scenario, BUSY for a port in use and FREE for a port nobody listens on; the status; the start
+// of the message, for a mistake after "radiosim COMMAND: " unless it starts "radiosim".
+inline void runAnswer()
 {
     QFETCH(QString, arguments);
     QFETCH(int, status);
@@ -85,11 +85,12 @@ inline void runMistake()
         message.replace(name, value);
     }
     const QStringList split = arguments.split(' ', Qt::SkipEmptyParts);
-    if (!message.startsWith("radiosim"))
+    if (status != 0 && !message.startsWith("radiosim"))
         message = "radiosim " + split.value(0) + ": " + message;
     RUN_TOOL(run, status, split);
-    QVERIFY2(run.err().startsWith(message), qPrintable(run.err()));
-    if (!split.isEmpty())
-        QCOMPARE(run.err().count('\n'), 1);
-    QCOMPARE(run.out(), QString());
+    const QString answer = status == 0 ? run.out() : run.err();
+    QVERIFY2(answer.startsWith(message), qPrintable(answer));
+    if (status != 0 && !split.isEmpty())
+        QCOMPARE(answer.count('\n'), 1);
+    QCOMPARE(status == 0 ? run.err() : run.out(), QString());
 }

@@ -154,7 +154,7 @@ private Q_SLOTS:
         row("device with a file", "device x.sce", 64, "too many arguments: x.sce");
     }
 
-    void mistakesGiveOneLineAndAStatus() { runMistake(); }
+    void mistakesGiveOneLineAndAStatus() { runAnswer(); }
 
     // Both commands find the server's address and port in the configuration store the processes
     // inherit through XDG_CONFIG_HOME.
