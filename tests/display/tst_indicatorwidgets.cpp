@@ -7,6 +7,7 @@
 
 #include <QAbstractEventDispatcher>
 #include <QLabel>
+#include <QLayout>
 #include <QMetaMethod>
 #include <QPainter>
 #include <QProgressBar>
