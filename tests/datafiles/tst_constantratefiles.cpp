@@ -57,10 +57,12 @@ private Q_SLOTS:
     }
 
     // 10 symbols at 2.5 a second last 4000 ms; the rate set is ignored. Copies share the file.
-    void symbolHeader()
+    // Closed, a symbol file forgets its length, a result file keeps it; neither reads.
+    void headersAndClose()
     {
         SymbolDataFile file(writeFile(scratch("a.sdf"), symbolFile(10, 2.5f)));
-        QVERIFY(file.open());
+        ResultDataFile results(writeFile(scratch("a.rdf"), resultFile(1000, 100.0f)));
+        QVERIFY(file.open() && results.open());
         file.setSymbolRate(50);
         QCOMPARE(QStringLiteral("%1/s %2 ms, valency %3")
                      .arg(file.symbolRate())
@@ -69,7 +71,9 @@ private Q_SLOTS:
             QString("2.5/s 4000 ms, valency 4"));
         SymbolDataFile copy = file;
         copy.close();
+        results.close();
         QVERIFY(!file.isOpen() && file.readSymbols(0, 4000).empty() && file.length() == 0);
+        QVERIFY(results.readResultData(0, 1000).isEmpty() && results.length() == 10000);
     }
 
     // Refused symbol files are closed again; refused result files stay open. Neither reads.
@@ -129,34 +133,38 @@ private Q_SLOTS:
         QVERIFY(symbols.readSymbols(5, 1000).empty());
     }
 
-    // Cut under an open reader: the stretch ends at the cut instead of reading on and on.
-    void fileTruncatedWhileOpen()
+    // Cut under an open reader, or a header that claims 2^40 items at 10^12 a second: a
+    // stretch ends with the file, no room is taken for what the header claims, and a stretch
+    // past the end is empty.
+    void stretchEndsWithTheFile_data()
     {
-        const QString symbolPath = writeFile(scratch("a.sdf"), symbolFile(1000, 100.0f));
-        const QString resultPath = writeFile(scratch("a.rdf"), resultFile(1000, 100.0f));
+        const auto row = columns<QByteArray, QByteArray, int, int, uint, QString>(
+            "symbolBytes", "resultBytes", "symbolCut", "resultCut", "duration", "symbolsAndItems");
+        row("cut while open", symbolFile(1000, 100.0f), resultFile(1000, 100.0f), 41 + 50, 28 + 100,
+            4000000, "0-48 0-49");
+        row("header claims more", symbolFile(10, 1e12f).replace(33, 8, le(quint64(1) << 40)),
+            resultFile(10, 1e12f).replace(16, 8, le(quint64(1) << 40)), -1, -1, 20, "0-8 0-9");
+    }
+
+    void stretchEndsWithTheFile()
+    {
+        QFETCH(QByteArray, symbolBytes);
+        QFETCH(QByteArray, resultBytes);
+        QFETCH(int, symbolCut);
+        QFETCH(int, resultCut);
+        QFETCH(uint, duration);
+        const QString symbolPath = writeFile(scratch("a.sdf"), symbolBytes);
+        const QString resultPath = writeFile(scratch("a.rdf"), resultBytes);
         SymbolDataFile symbols(symbolPath);
         ResultDataFile results(resultPath);
         QVERIFY(symbols.open() && results.open());
-        QVERIFY(QFile::resize(symbolPath, 41 + 50) && QFile::resize(resultPath, 28 + 100));
-        QCOMPARE(::symbols(symbols.readSymbols(0, 4000000)), QString("0-48"));
-        QCOMPARE(items(results.readResultData(0, 4000000)), QString("0-49"));
-        results.close();
-        QVERIFY(results.readResultData(0, 1000).isEmpty() && results.length() == 10000);
-    }
-
-    // A header that claims 2^40 items at 10^12 a second: a stretch ends with the file, and no
-    // room is taken for what the header claims.
-    void headerClaimsMoreThanTheFile()
-    {
-        QByteArray symbolBytes = symbolFile(10, 1e12f);
-        symbolBytes.replace(33, 8, le(quint64(1) << 40));
-        QByteArray resultBytes = resultFile(10, 1e12f);
-        resultBytes.replace(16, 8, le(quint64(1) << 40));
-        SymbolDataFile symbols(writeFile(scratch("a.sdf"), symbolBytes));
-        ResultDataFile results(writeFile(scratch("a.rdf"), resultBytes));
-        QVERIFY(symbols.open() && results.open());
-        QCOMPARE(::symbols(symbols.readSymbols(0, 20)), QString("0-8"));
-        QCOMPARE(items(results.readResultData(0, 20)), QString("0-9"));
+        QVERIFY(symbolCut < 0 || QFile::resize(symbolPath, symbolCut));
+        QVERIFY(resultCut < 0 || QFile::resize(resultPath, resultCut));
+        QTEST(::symbols(symbols.readSymbols(0, duration)) + ' '
+                + items(results.readResultData(0, duration)),
+            "symbolsAndItems");
+        QVERIFY(symbols.readSymbols(5000, 1000).empty());
+        QVERIFY(results.readResultData(5000, 1000).isEmpty());
     }
 };
 

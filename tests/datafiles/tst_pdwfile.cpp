@@ -91,6 +91,19 @@ private Q_SLOTS:
         QCOMPARE(reads.join(' '), QString("32:11111111 32:11111111 32:0 0:0 0:0"));
     }
 
+    // Cut under an open reader: the reading loop ends instead of running on.
+    void fileTruncatedWhileOpen()
+    {
+        const QString path = writeFile(scratch("a.pdw"), QByteArray(32000, '\x11'));
+        PDWFile file(path, false, false);
+        CPackedPDW record = pdw(0);
+        QVERIFY(file.getPDW(&record) == 32 && QFile::resize(path, 32 * 10 + 7));
+        int records = 1;
+        while (file.getPDW(&record) == 32 && records < 2000)
+            ++records;
+        QVERIFY2(records < 1000, qPrintable(QString::number(records)));
+    }
+
     // No file: nothing is read or written, and adds past one block are refused.
     void unopenedFile()
     {

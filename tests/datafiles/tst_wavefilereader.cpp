@@ -202,18 +202,21 @@ private Q_SLOTS:
         QVERIFY(broken.open() && !broken.readSamples(0, 3, shorts) && shorts.size() == 5);
     }
 
-    // The file loses its samples under an open reader: reads fail, nothing crashes.
+    // The file is cut to 100 frames under an open reader: reads across or past the cut fail,
+    // the audio file leaves those frames 0; nothing crashes.
     void fileTruncatedWhileOpen()
     {
-        const QString path = writeFile(scratch("ramp.wav"), rampWave(1000));
+        const QString path = writeFile(scratch("ramp.wav"), rampWave(32000));
         WaveFileReader reader(path);
         AudioFile audio(path);
         QVERIFY(reader.open() && audio.open());
         audio.setPackageDuration(1000);
-        QVERIFY(QFile::resize(path, 50));
+        QVERIFY(QFile::resize(path, 44 + 2 * 100));
         std::vector<short> samples;
-        QVERIFY(!reader.readSamples(10, 100, samples));
-        QCOMPARE(runs(audio.readSamples(0, 1)).left(6), QString("0-2,0,"));
+        QVERIFY(reader.readSamples(0, 100, samples) && samples.back() == 99);
+        QVERIFY(!reader.readSamples(50, 100, samples) && !reader.readSamples(20000, 10, samples));
+        QCOMPARE(runs(audio.readSamples(0, 10)), "0-99" + QString(",0").repeated(220));
+        QCOMPARE(runs(audio.readSamples(500, 10)), "0" + QString(",0").repeated(319));
     }
 
     // 95990 frames, as the default audio: the loop is the package's 3000 ms.

@@ -48,10 +48,6 @@ struct Device
         });
         connector.connectToServer();
     }
-    void update(const QString &id)
-    {
-        communication.sendSimulationDeviceStateUpdate(id, SimulationDeviceState());
-    }
 
     TcpServerConnector connector;
     Communication communication;
@@ -88,10 +84,10 @@ void tst_ServiceFaults::killedDeviceLeavesTheOthersWorking()
     QVERIFY(peer.waitForFinished());
     QTRY_COMPARE(closed.count(), 1);
 
-    before.update("before");
+    before.communication.sendSimulationDeviceStateUpdate("before", {});
     Device after(server.listener.serverPort(), "after");
     QTRY_COMPARE(server.registered, QStringList({ "before", "after" }));
-    after.update("after");
+    after.communication.sendSimulationDeviceStateUpdate("after", {});
     QTRY_COMPARE(server.updated.size(), 2);
     QVERIFY(server.updated.contains("before") && server.updated.contains("after"));
 }

@@ -37,16 +37,6 @@ double peakMemory()
     return 0;
 }
 
-// Two sockets a device: a default soft limit of 1024 descriptors is too few.
-void raiseDescriptorLimit()
-{
-    rlimit limit {};
-    if (getrlimit(RLIMIT_NOFILE, &limit) == 0 && limit.rlim_cur < 4096) {
-        limit.rlim_cur = qMin<rlim_t>(4096, limit.rlim_max);
-        setrlimit(RLIMIT_NOFILE, &limit);
-    }
-}
-
 } // namespace
 
 class tst_ServiceLoad : public QObject
@@ -54,7 +44,15 @@ class tst_ServiceLoad : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase() { raiseDescriptorLimit(); }
+    // Two sockets a device: a default soft limit of 1024 descriptors is too few.
+    void initTestCase()
+    {
+        rlimit limit {};
+        if (getrlimit(RLIMIT_NOFILE, &limit) == 0 && limit.rlim_cur < 4096) {
+            limit.rlim_cur = qMin<rlim_t>(4096, limit.rlim_max);
+            setrlimit(RLIMIT_NOFILE, &limit);
+        }
+    }
     void manyDevicesReportInOrder();
     void scenarioRoundTrips_data();
     void scenarioRoundTrips();
