@@ -1,6 +1,7 @@
 #include "xmlelement.h"
 
 #include "xmllimits_p.h"
+#include "xmlreader_p.h"
 #include "xmlwriter_p.h"
 
 namespace Simulation {
@@ -67,9 +68,7 @@ XmlElement XmlElement::fromByteArray(const QByteArray &xml)
 {
     if (!isModestXml(xml, false))
         return XmlElement();
-    QDomDocument doc { QString() };
-    doc.setContent(xml);
-    return XmlElement(doc.documentElement());
+    return XmlElement(domFromByteArray(xml).documentElement());
 }
 
 QString XmlElement::tagName() const
@@ -392,7 +391,12 @@ QString XmlElement::childName(const QString &sName) const
 
 QString XmlElement::childText(const QString &sName) const
 {
-    return sName.isEmpty() ? m_element.text() : m_element.firstChildElement(sName).text();
+    const QDomElement element = sName.isEmpty() ? m_element : m_element.firstChildElement(sName);
+    // A lone text node's value is shared, not copied: a scenario sent as text is megabytes.
+    const QDomNode only = element.firstChild();
+    if (only.isText() && only == element.lastChild())
+        return only.nodeValue();
+    return element.text();
 }
 
 bool XmlElement::attributeRemembered(

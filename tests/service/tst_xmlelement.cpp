@@ -1,4 +1,5 @@
 #include <radiosim/service/xmlelement.h>
+#include <radiosim/service/xmlreader_p.h>
 #include <radiosim/service/xmlwriter_p.h>
 
 #include <QDomDocument>
@@ -23,7 +24,32 @@ private Q_SLOTS:
     void nestingAndEntityLimits();
     void writerGivesQtsBytes_data();
     void writerGivesQtsBytes();
+    void readerGivesQtsTree_data();
+    void readerGivesQtsTree();
 };
+
+namespace {
+
+// A tree as text: elements with their attributes sorted, and every other node with its value.
+QString outline(const QDomNode &node)
+{
+    QString out;
+    for (QDomNode n = node.firstChild(); !n.isNull(); n = n.nextSibling()) {
+        if (!n.isElement()) {
+            out += QStringLiteral("(%1 %2)").arg(n.nodeType()).arg(n.nodeValue());
+            continue;
+        }
+        QStringList attributes;
+        const QDomNamedNodeMap map = n.attributes();
+        for (int i = 0; i < map.count(); ++i)
+            attributes << map.item(i).nodeName() + '=' + map.item(i).nodeValue();
+        attributes.sort();
+        out += QStringLiteral("<%1 %2>%3</>").arg(n.nodeName(), attributes.join('|'), outline(n));
+    }
+    return out;
+}
+
+} // namespace
 
 // Only made elements own a document to write into; the record tests show that parsed ones
 // don't serialise.
@@ -239,6 +265,53 @@ void tst_XmlElement::writerGivesQtsBytes()
 
     mixed.appendChild(document.createComment(text));
     QCOMPARE(domToByteArray(document), document.toByteArray(4));
+}
+
+void tst_XmlElement::readerGivesQtsTree_data()
+{
+    QTest::addColumn<QByteArray>("xml");
+    XmlElement message("Command");
+    const QString nasty = QString::fromUtf8("<a & \"b\" 'c'> ]]> \r\n\t\xc2\xa0\xe3\x80\x80 "
+                                            "\xf0\x9f\x93\xa1 \x01 end");
+    message.setAttribute("Id", nasty);
+    message.setChildText("Text", nasty);
+    message.setChildText("Blank", QString(" \n "));
+    QTest::newRow("a message of ours") << message.toByteArray();
+    XmlElement plain("Command");
+    const QString printable
+        = QString::fromUtf8("<a & \"b\" 'c'> ]]> \xc2\xa0 \xf0\x9f\x93\xa1 end");
+    plain.setAttribute("Id", printable);
+    plain.setChildText("Text", printable);
+    plain.setChildText("Blank", QString(" \n "));
+    QTest::newRow("a message of ours without line ends") << plain.toByteArray();
+    const char *const rows[][2] = {
+        { "blank and mixed text", "<a>\n  <b>  </b> x <c/>y\n</a>" },
+        { "entities", "<a t=\"&lt;&amp;&gt;&quot;&apos;\">&lt;&amp;&gt;&quot;&apos;</a>" },
+        { "unicode blanks", "<a><b>\xc2\xa0</b><c>\xe3\x80\x80</c><d>\xc2\xa0x</d></a>" },
+        { "character references", "<a x=\"&#9;&#10;\">&#x1F4E1;&#65;&#xD;</a>" },
+        { "raw line ends", "<a x=\"1\r\n2\t3\">l1\r\nl2\rl3</a>" },
+        { "declaration, comment, CDATA",
+            "<?xml version=\"1.0\"?><a><!-- c --><![CDATA[<x>]]></a>" },
+        { "names the stream reader reads otherwise", "<a$b c$d=\"1\"><S::X/></a$b>" },
+        { "cut short", "<a><b>text</b><c x=\"1\">more" },
+        { "after the root", "<a/><b/>" },
+        { "undeclared entity", "<a>&nope;</a>" },
+        { "byte order mark", "\xef\xbb\xbf<a>x</a>" },
+        { "invalid UTF-8", "<a>\xff\xfe</a>" },
+    };
+    for (const auto &row : rows)
+        QTest::newRow(row[0]) << QByteArray(row[1]);
+    QTest::newRow("a NUL byte") << QByteArray("<a><b x=\"1\"/>\0<c/></a>", 22);
+}
+
+// Messages are read without Qt's parser where the stream reader reads them alike; the tree is
+// Qt's in every case, what our writer gives and documents either parser reads otherwise.
+void tst_XmlElement::readerGivesQtsTree()
+{
+    QFETCH(QByteArray, xml);
+    QDomDocument qts { QString() };
+    qts.setContent(xml);
+    QCOMPARE(outline(domFromByteArray(xml)), outline(qts));
 }
 
 QTEST_GUILESS_MAIN(tst_XmlElement)
