@@ -296,7 +296,7 @@ void tst_XmlElement::readerGivesQtsTree_data()
         { "cut short", "<a><b>text</b><c x=\"1\">more" },
         { "after the root", "<a/><b/>" },
         { "undeclared entity", "<a>&nope;</a>" },
-        { "byte order mark", "\xef\xbb\xbf<a>x</a>" },
+        { "byte order marks", "\xef\xbb\xbf<a>x<b>\xef\xbb\xbf\t</b></a>" },
         { "invalid UTF-8", "<a>\xff\xfe</a>" },
     };
     for (const auto &row : rows)
